@@ -1,0 +1,35 @@
+// The test host: a host support library that watches the engine's memory.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include <gtest/gtest.h>
+
+namespace testhost {
+
+inline constexpr unsigned char kPoison = 0xCD;  // every new block is filled with it
+
+std::size_t LiveBlocks();       // blocks allocated and not yet freed
+std::size_t LiveBytes();
+std::size_t Allocations();      // AllocateMemory calls since the last Reset
+std::size_t BadFrees();         // frees of blocks the host never gave out
+void FailAllocation(long nth);  // make the nth AllocateMemory from now return null (0 = never)
+void FailAllAllocations(bool on);
+void SetProcessorType(uint32_t type);
+void Reset();                   // forget counters and failure plans (not the live blocks)
+
+// Fixture: every test ends with as many live blocks as it began with and no bad free.
+class LeakCheckedTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+  // For a test that keeps memory on purpose (the engine's documented losses).
+  void ForgiveLeaks(std::size_t blocks) { forgiven_ += blocks; }
+
+ private:
+  std::size_t liveAtStart_ = 0;
+  std::size_t badAtStart_ = 0;
+  std::size_t forgiven_ = 0;
+};
+
+}  // namespace testhost

@@ -1,0 +1,15 @@
+#!/bin/sh
+# Installs the Debian packages the build needs, only those that are missing.
+set -eu
+need="cmake g++ g++-multilib make googletest libbenchmark-dev libpng-dev binutils"
+missing=""
+for p in $need; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+[ -z "$missing" ] && exit 0
+echo "installing:$missing"
+sudo_cmd=""
+[ "$(id -u)" -ne 0 ] && sudo_cmd="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$sudo_cmd apt-get update -q
+$sudo_cmd apt-get install -y -q $missing
