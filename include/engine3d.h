@@ -117,6 +117,105 @@ typedef struct Bone Bone;
 typedef struct Viewport Viewport;
 
 /* ---- records: begin (host-visible image, texture and vertex records) ---- */
+
+/* An image: the host fills one to describe its pixel buffer for
+   CreateViewport; CreateCheckerTexture returns one. Only the named words
+   mean anything; the others are left as they are. */
+typedef struct SurfaceDesc {
+  uint32_t reserved0[7];
+  void* pixels;            /* word 7: first pixel */
+  uint32_t reserved8[2];
+  uint32_t width;          /* word 10: width in pixels */
+  uint32_t height;         /* word 11: height in pixels */
+  uint32_t pitch;          /* word 12: bytes from one row to the next */
+  uint32_t reserved13[5];
+  uint32_t textureWidth;   /* word 18: width as the material code reads it */
+  uint32_t textureHeight;  /* word 19: height as the material code reads it */
+  uint32_t reserved20[4];
+} SurfaceDesc;
+E3D_I386_SIZE(SurfaceDesc, 24);
+E3D_I386_WORD(SurfaceDesc, pixels, 7);
+E3D_I386_WORD(SurfaceDesc, width, 10);
+E3D_I386_WORD(SurfaceDesc, pitch, 12);
+E3D_I386_WORD(SurfaceDesc, textureWidth, 18);
+
+/* A mip-mapped texture of four levels. The host fills level 0; the
+   CreateMMTexture functions allocate and fill levels 1-3, whose pixel blocks
+   then belong to the host (free them with FreeMemory). */
+typedef struct MipChain {
+  uint32_t reserved;       /* word 0: not read */
+  void* levelPixels[4];    /* words 1-4 */
+  int32_t levelWidths[4];  /* words 5-8 */
+  int32_t levelHeights[4]; /* words 9-12 */
+  int32_t levelPitches[4]; /* words 13-16: bytes per row */
+} MipChain;
+E3D_I386_SIZE(MipChain, 17);
+E3D_I386_WORD(MipChain, levelPixels, 1);
+E3D_I386_WORD(MipChain, levelWidths, 5);
+E3D_I386_WORD(MipChain, levelPitches, 13);
+
+/* One texture stage of a material, as GetMaterialTexture returns it. */
+typedef struct TextureStage {
+  uint32_t stageFlags;     /* bits 0-2 option, 4-5 texture mode, bit 30 power-of-two
+                              sizes, bit 31 filled from a mip chain */
+  void* levelPixels[4];    /* first texel of mip levels 0-3 */
+  int32_t levelWidths[4];
+  int32_t levelHeights[4];
+  int32_t shifts[4];       /* log2(width) for power-of-two levels, else row pitch in texels */
+  SurfaceDesc* texture;    /* the single texture set on the stage, or null */
+} TextureStage;
+E3D_I386_SIZE(TextureStage, 18);
+E3D_I386_WORD(TextureStage, levelWidths, 5);
+E3D_I386_WORD(TextureStage, shifts, 13);
+E3D_I386_WORD(TextureStage, texture, 17);
+
+/* A mesh vertex: its object-space position, then the words the pipeline
+   writes while drawing (the screen vertex the triangle drawers read). */
+typedef struct MeshVertex {
+  float x, y, z;           /* words 0-2: object space */
+  float camX, camY, camZ;  /* words 3-5: camera space */
+  float screenX, screenY;  /* words 6-7: screen pixels */
+  float invZ;              /* word 8: 1 / camera z */
+  uint32_t outcode;        /* word 9: clip bits, E3D_OUT_... */
+} MeshVertex;
+E3D_I386_SIZE(MeshVertex, 10);
+E3D_I386_WORD(MeshVertex, screenX, 6);
+E3D_I386_WORD(MeshVertex, outcode, 9);
+#define E3D_OUT_NEAR 0x10u
+#define E3D_OUT_FAR 0x20u
+#define E3D_OUT_LEFT 0x40u
+#define E3D_OUT_RIGHT 0x80u
+#define E3D_OUT_TOP 0x100u
+#define E3D_OUT_BOTTOM 0x200u
+
+/* Texture coordinates of one polygon corner: the host's pair and the
+   environment pair the pipeline writes. */
+typedef struct PolygonCorner {
+  float u, v;
+  float envU, envV;
+} PolygonCorner;
+
+/* A triangle of a mesh; also the face record the triangle drawers take.
+   Corners are stored in the reverse of the order the host gives them. */
+typedef struct MeshPolygon {
+  uint32_t polygonFlags;        /* word 0: modes, edge visibility, smoothing group */
+  float plane[4];               /* words 1-4: unit normal and d, n.p + d = 0 */
+  int32_t vertexIndex[3];       /* words 5-7 */
+  int32_t normalIndex[3];       /* words 8-10 */
+  PolygonCorner corners[3];     /* words 11-22 */
+  Material* material;           /* word 23: front material */
+  Material* backMaterial;       /* word 24: back material */
+  uint32_t colors[3];           /* words 25-27: flat pixel colour, or corner colours 0x00RRGGBB */
+} MeshPolygon;
+E3D_I386_SIZE(MeshPolygon, 28);
+E3D_I386_WORD(MeshPolygon, vertexIndex, 5);
+E3D_I386_WORD(MeshPolygon, corners, 11);
+E3D_I386_WORD(MeshPolygon, material, 23);
+E3D_I386_WORD(MeshPolygon, colors, 25);
+
+/* A triangle drawer: fills the face's triangle from the vertices' screen words. */
+typedef void(E3D_CALL* TriangleDrawer)(MeshPolygon* face, MeshVertex* vertices);
+
 /* ---- records: end ---- */
 
 /* ======================================================================
