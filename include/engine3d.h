@@ -247,4 +247,34 @@ E3D_API void E3D_CALL ReleaseEngine3D(void);
 /* ---- raster: begin ---- */
 /* ---- raster: end ---- */
 
+/* ======================================================================
+** Textures: checker and mip-mapped 1555/8888 textures.
+*/
+/* ---- textures: begin ---- */
+/* ---- textures: end ---- */
+
+/* ======================================================================
+** Materials and texture stages.
+*/
+/* ---- materials: begin ---- */
+/* ---- materials: end ---- */
+
+/* ======================================================================
+** Meshes: construction, polygons and validation.
+*/
+/* ---- meshes: begin ---- */
+/* ---- meshes: end ---- */
+
+/* ======================================================================
+** Bounding boxes and vertex normals.
+*/
+/* ---- bounds: begin ---- */
+/* ---- bounds: end ---- */
+
+/* ======================================================================
+** Primitive generators: finished, validated meshes.
+*/
+/* ---- generators: begin ---- */
+/* ---- generators: end ---- */
+
 #endif /* ENGINE3D_H */
