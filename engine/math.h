@@ -45,6 +45,18 @@ float Hypot(float a, float b);
 // Sine and cosine of one angle in radians at once (the matrix builders use it).
 void SinCos(float x, float* s, float* c);
 
+// The same functions in double, for callers that chain several operations
+// before rounding once (where the x87 unit would keep extended precision).
+// Radians; every finite argument is reduced exactly.
+double SinD(double x);
+double CosD(double x);
+double TanD(double x);
+void SinCosD(double x, double* s, double* c);
+double AtanD(double x);
+double Atan2D(double x, double y);  // angle of the point (x, y)
+double ExpD(double x);
+double LogD(double x);
+
 // Vectors.
 float VectorLength(const Vector3* v);
 float VectorInvLength(const Vector3* v);

@@ -6,6 +6,10 @@
 
 #include "engine3d.h"
 
+// Keeps the compiler from turning a byte loop back into a call of the C
+// library's memset, memcpy or strlen.
+#define E3D_OWN_LOOPS __attribute__((optimize("no-tree-loop-distribute-patterns")))
+
 namespace e3d {
 
 void* MemoryFill(void* dst, uint8_t value, int32_t count);

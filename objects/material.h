@@ -32,5 +32,14 @@ inline constexpr uint32_t kMaterialRenderOption = 0x40;
 inline constexpr uint32_t kMaterialColorOpOn = 0x100;
 inline constexpr uint32_t kMaterialRenderMask = 0x700000;
 inline constexpr uint32_t kMaterialStage0 = 0x800000;  // << stage: stage active
+inline constexpr uint32_t kMaterialStageMask = 0x7800000;  // the four stage-active bits
+
+inline constexpr uint32_t kStageOptionMask = 0x7;
+inline constexpr uint32_t kStageModeMask = 0x30;
+inline constexpr uint32_t kStagePowerOfTwo = 0x40000000;  // shifts hold log2(width)
+inline constexpr uint32_t kStageMipChain = 0x80000000;    // filled from a MipChain
+
+// Number of the next generated material name; process-wide, never reset.
+extern int32_t materialCounter;
 
 }  // namespace e3d

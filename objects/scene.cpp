@@ -1,0 +1,115 @@
+// Scene creation, the scene's sort area, its hook slot, its viewport and the
+// counting exports.
+#include "objects/scene.h"
+
+#include "engine/math.h"
+#include "engine/memory.h"
+#include "engine/registry.h"
+#include "objects/camera.h"
+#include "objects/light.h"
+#include "objects/mesh.h"
+#include "objects/skeleton.h"
+#include "viewport/viewport.h"
+
+namespace e3d {
+
+namespace {
+
+constexpr uint64_t AlignUp(uint64_t n, uint64_t a) { return (n + a - 1) & ~(a - 1); }
+
+// Forwards to the host's function the value of entry b of the hook table
+// (counted from 1); without a host function, or an entry, it answers scene.
+void* DefaultSceneHook(int32_t a, int32_t b, Scene* scene) {
+  if (scene == nullptr || scene->userHook == nullptr) return scene;
+  if (scene->hookTable == nullptr || b < 1) return scene;
+  return scene->userHook(a, b, FloatToInt(scene->hookTable[b - 1].value));
+}
+
+}  // namespace
+
+#if defined(__i386__)
+static_assert(sizeof(PolygonRecord) + kSortIndexBytes == kSortAreaBytesPerPolygon);
+#endif
+
+uint64_t SortRecordsOffset(int32_t count) {
+  return AlignUp(kSortIndexBytes * uint64_t(count), alignof(PolygonRecord));
+}
+
+uint64_t SortAreaBytes(int32_t count) {
+  return SortRecordsOffset(count) + uint64_t(count) * sizeof(PolygonRecord);
+}
+
+void RebuildSceneSortArea(Scene* scene) {
+  scene->sceneFlags &= ~kSceneReady;
+  Release(scene->sortIndexList);
+  scene->polygonRecords = nullptr;
+  int32_t count = scene->polygonCapacity;
+  if (count < 0) return;  // counts out of step: never draw from it
+  uint64_t bytes = SortAreaBytes(count);
+  void* area = bytes <= 0xFFFFFFFFu ? AllocateMemory(uint32_t(bytes)) : nullptr;
+  if (area == nullptr) return;
+  scene->sortIndexList = static_cast<uint32_t*>(area);
+  scene->polygonRecords =
+      reinterpret_cast<PolygonRecord*>(static_cast<char*>(area) + SortRecordsOffset(count));
+  ResetRadixSort(count, scene->sortIndexList);
+  scene->sceneFlags |= kSceneReady;
+}
+
+Scene* SceneHoldingCamera(const Camera* camera) {
+  return ListFind<&Scene::nextScene>(
+      firstScene, [camera](const Scene* s) { return GetSceneCameraIndex(s, camera) >= 0; });
+}
+
+Scene* SceneHoldingSkeleton(const Skeleton* skeleton) {
+  return ListFind<&Scene::nextScene>(
+      firstScene, [skeleton](const Scene* s) { return GetSceneSkeletonIndex(s, skeleton) >= 0; });
+}
+
+}  // namespace e3d
+
+using namespace e3d;
+
+E3D_API Scene* E3D_CALL CreateScene(void) {
+  Scene* scene = Allocate<Scene>();
+  if (scene == nullptr) return nullptr;
+  MemoryFill(scene, 0, sizeof(Scene));
+  scene->activeCameraIndex = -1;
+  scene->sceneHook = DefaultSceneHook;
+  LinkScene(scene);
+  return scene;
+}
+
+// A null viewport unbinds. Otherwise a scene without an active camera adopts
+// the viewport's camera, taking it into its list when no scene holds it yet.
+E3D_API int32_t E3D_CALL SetSceneViewport(Scene* scene, Viewport* viewport) {
+  scene->viewport = viewport;
+  if (viewport == nullptr) return 0;
+  if (scene->activeCameraIndex != -1) return scene->activeCameraIndex;
+  Camera* camera = viewport->camera;
+  if (camera == nullptr) return 0;
+  int32_t index = GetSceneCameraIndex(scene, camera);
+  if (index < 0 && SceneHoldingCamera(camera) == nullptr) {
+    AssignCameraToScene(scene, camera);
+    index = GetSceneCameraIndex(scene, camera);
+  }
+  if (index >= 0) scene->activeCameraIndex = index;
+  return index;
+}
+
+E3D_API Viewport* E3D_CALL GetSceneViewport(Scene* scene) { return scene->viewport; }
+
+E3D_API int32_t E3D_CALL GetSceneNumberOfMeshes(Scene* scene) {
+  return ListLength<&Mesh::nextInScene>(scene->firstMesh);
+}
+
+E3D_API int32_t E3D_CALL GetSceneNumberOfCameras(Scene* scene) {
+  return ListLength<&Camera::nextCamera>(scene->firstCamera);
+}
+
+E3D_API int32_t E3D_CALL GetSceneNumberOfLights(Scene* scene) {
+  return ListLength<&Light::nextLight>(scene->firstLight);
+}
+
+E3D_API int32_t E3D_CALL GetSceneNumberOfVisibleMeshes(Scene* scene) {
+  return scene->visibleMeshCount;
+}

@@ -1,0 +1,133 @@
+// Span bodies built from a pixel shader and a depth test. A shader gives the
+// colour of one pixel; ShadedSpan runs it along a span, with or without the
+// depth buffer:
+//
+//   struct Shader {
+//     using Params = ...;
+//     static constexpr int kAttributes;             // values it interpolates
+//     Shader(const Params&, const SpanArgs&);       // at the span's first pixel
+//     uint16_t Shade(int32_t x, uint16_t target);   // the pixel to store at column x
+//     void Step();                                  // on to the next column
+//   };
+//
+// so a new drawer is a shader plus one ShadedSpan instantiation.
+#pragma once
+#include <stdint.h>
+
+#include "engine/fp.h"
+#include "engine/math.h"
+#include "raster/triangle.h"
+
+namespace e3d {
+
+// The 5-bit channels of a pixel, and back.
+inline uint32_t RedOf(uint32_t pixel) { return (pixel >> 10) & 31; }
+inline uint32_t GreenOf(uint32_t pixel) { return (pixel >> 5) & 31; }
+inline uint32_t BlueOf(uint32_t pixel) { return pixel & 31; }
+inline uint16_t PackPixel(uint32_t red, uint32_t green, uint32_t blue) {
+  return static_cast<uint16_t>(red << 10 | green << 5 | blue);
+}
+
+enum class DepthTest {
+  kNone,
+  kLess,       // strictly nearer than the stored depth; writes the depth
+  kLessEqual,  // as near or nearer; leaves the depth as it is (blended spans)
+};
+
+inline constexpr int32_t kDepthBlock = 16;  // pixels between two exact depths
+inline constexpr int32_t kDepthBlockShift = 4;
+inline constexpr uint32_t kDepthFarthest = 0xFFFFFFFF;
+
+// Depth-buffer value of 1/z: z x 65536, rounded. Depths past the buffer's
+// range (z of 65536 and beyond, or no positive 1/z) are the farthest value.
+inline uint32_t DepthOf(double invZ) {
+  if (!(invZ > 0.0)) return kDepthFarthest;
+  const double z = 65536.0 / invZ;
+  return z < 4294967295.0 ? static_cast<uint32_t>(FloatToInt(z)) : kDepthFarthest;
+}
+
+template <class Shader, DepthTest kTest = DepthTest::kNone>
+struct ShadedSpan {
+  using Params = typename Shader::Params;
+  static constexpr bool kDepth = kTest != DepthTest::kNone;
+  static constexpr int kAttributes = Shader::kAttributes + (kDepth ? 1 : 0);
+
+  static void Span(const Params& params, const SpanArgs& s) {
+    Shader shader(params, s);
+    uint16_t* pixels = s.pixels;
+    if constexpr (!kDepth) {
+      for (int32_t x = s.left; x < s.right; ++x) {
+        pixels[x] = shader.Shade(x, pixels[x]);
+        shader.Step();
+      }
+    } else {
+      // 1/z is exact at the start of every block of 16 and at the last
+      // pixel; the integer depth steps linearly in between.
+      uint32_t* depth = s.depth;
+      const double invZ = s.attr[kAttributes - 1], invZStep = s.dx[kAttributes - 1];
+      uint32_t z = DepthOf(invZ);
+      for (int32_t x = s.left;;) {
+        const bool last = s.right - x <= kDepthBlock;
+        const int32_t end = last ? s.right : x + kDepthBlock;
+        uint32_t next = 0;
+        int32_t zStep = 0;
+        if (!last) {
+          next = DepthOf(invZ + (end - s.left) * invZStep);
+          zStep = static_cast<int32_t>(next - z) >> kDepthBlockShift;
+        } else if (end - x > 1) {
+          zStep = static_cast<int32_t>(DepthOf(invZ + (end - 1 - s.left) * invZStep) - z) /
+                  (end - 1 - x);
+        }
+        for (; x < end; ++x) {
+          if (kTest == DepthTest::kLess ? z < depth[x] : z <= depth[x]) {
+            if constexpr (kTest == DepthTest::kLess) depth[x] = z;
+            pixels[x] = shader.Shade(x, pixels[x]);
+          }
+          shader.Step();
+          z += static_cast<uint32_t>(zStep);
+        }
+        if (last) return;
+        z = next;
+      }
+    }
+  }
+};
+
+// An 8.16 channel ramp along a span: its value at the first pixel and its
+// change per pixel, each round(value x 65536). Rounding can carry an
+// interpolated channel a hair outside 0..255 at the rim of a triangle, and a
+// negative accumulator would read as 255: the ramp is shifted, or if it must
+// flattened, to stay inside 0..255 at both ends.
+struct ChannelRamp {
+  int32_t value;
+  int32_t step;
+};
+
+inline int64_t RoundFixed16(double v) {
+  constexpr double kLimit = 1099511627776.0;  // 2^40: far beyond any channel
+  v *= 65536.0;
+  if (!(v > -kLimit)) v = -kLimit;
+  if (v > kLimit) v = kLimit;
+  return static_cast<int64_t>(fp::RoundEven(v));
+}
+
+inline ChannelRamp MakeChannelRamp(double value, double step, int32_t count) {
+  constexpr int64_t kMax = 0xFFFFFF;
+  int64_t v = RoundFixed16(value), d = RoundFixed16(step);
+  v = v < 0 ? 0 : v > kMax ? kMax : v;
+  int64_t last = v + d * (count - 1);
+  if (last < 0) {
+    v -= last;
+    last = 0;
+  } else if (last > kMax) {
+    v -= last - kMax;
+    last = kMax;
+  }
+  if (v < 0 || v > kMax) {
+    v = v < 0 ? 0 : kMax;
+    d = (last - v) / (count - 1);
+  }
+  return {static_cast<int32_t>(v), static_cast<int32_t>(d)};
+}
+
+}  // namespace e3d

@@ -1,0 +1,172 @@
+// Vertex normals by smoothing group, and bounding boxes.
+#include <bit>
+#include <cmath>
+
+#include "engine/math.h"
+#include "mesh_fixture.h"
+
+namespace {
+
+using BoundsTest = MeshFixture;
+
+// A cube of side 2 with six quads in the box's face layout; face f in group groups[f].
+Mesh* Cube(const uint32_t groups[6]) {
+  static const float corners[8][3] = {{-1, 1, -1}, {1, 1, -1}, {1, -1, -1}, {-1, -1, -1},
+                                      {-1, 1, 1},  {1, 1, 1},  {1, -1, 1},  {-1, -1, 1}};
+  static const int32_t faces[6][4] = {{0, 1, 2, 3}, {1, 5, 6, 2}, {5, 4, 7, 6},
+                                      {4, 0, 3, 7}, {4, 5, 1, 0}, {3, 2, 6, 7}};
+  Mesh* mesh = CreateMesh(8, 12, 0);
+  for (int i = 0; i < 8; i++) SetMeshVertex(mesh, i, corners[i][0], corners[i][1], corners[i][2]);
+  for (int f = 0; f < 6; f++)
+    SetMeshQuadPolygon(mesh, 2 * f, faces[f][0], faces[f][1], faces[f][2], faces[f][3], 0, groups[f]);
+  return mesh;
+}
+
+const Vector3& CornerNormal(const Mesh* mesh, int polygon, int corner) {
+  return mesh->normals[mesh->polygons[polygon].normalIndex[corner]];
+}
+
+TEST_F(BoundsTest, NormalsAreSharedOnlyInsideASmoothingGroup) {
+  // Six groups: every corner gets its face's own direction, 4 per face.
+  const uint32_t reversed[6] = {5, 4, 3, 2, 1, 0};
+  Mesh* mesh = Cube(reversed);
+  CalcMeshVerticesNormal(mesh);
+  ASSERT_EQ(mesh->normalCount, 24);
+  for (int p = 0; p < 12; p++)
+    for (int k = 0; k < 3; k++) {
+      const Vector3& n = CornerNormal(mesh, p, k);
+      EXPECT_EQ(n.x, mesh->polygons[p].plane[0]);
+      EXPECT_EQ(n.y, mesh->polygons[p].plane[1]);
+      EXPECT_EQ(n.z, mesh->polygons[p].plane[2]);
+    }
+  // Normals are numbered group by group, slots in order within a group: the
+  // last face is group 0, so its corners come first.
+  const int32_t first[2][3] = {{0, 1, 2}, {0, 3, 1}};
+  for (int h = 0; h < 2; h++)
+    for (int k = 0; k < 3; k++) EXPECT_EQ(mesh->polygons[10 + h].normalIndex[k], first[h][k]);
+
+  // One group: one normal per vertex, the unit sum of the faces around it.
+  for (int p = 0; p < 12; p++) mesh->polygons[p].polygonFlags &= ~e3d::kPolygonGroupMask;
+  CalcMeshVerticesNormal(mesh);
+  ASSERT_EQ(mesh->normalCount, 8);
+  int32_t normalOf[8];
+  for (int& n : normalOf) n = -1;
+  for (int p = 0; p < 12; p++)
+    for (int k = 0; k < 3; k++) {
+      int32_t v = mesh->polygons[p].vertexIndex[k], n = mesh->polygons[p].normalIndex[k];
+      if (normalOf[v] < 0) normalOf[v] = n;
+      EXPECT_EQ(normalOf[v], n) << "vertex " << v;
+    }
+  for (int i = 0; i < 8; i++)
+    EXPECT_NEAR(e3d::VectorLength(&mesh->normals[i]), 1.0f, 1e-6f);
+  DeleteMesh(mesh);
+}
+
+TEST_F(BoundsTest, FaceNormalsAreSummedUnweighted) {
+  // A tiny triangle and a large one meet at vertex 0 at a right angle: the
+  // shared normal is halfway between them whatever their areas.
+  const float xyz[5][3] = {{0, 0, 0}, {0.01f, 0, 0}, {0, 0.01f, 0}, {0, 0, 10}, {0, 10, 0}};
+  Mesh* mesh = CreateMesh(5, 3, 0);
+  for (int i = 0; i < 5; i++) SetMeshVertex(mesh, i, xyz[i][0], xyz[i][1], xyz[i][2]);
+  SetMeshTriPolygon(mesh, 0, 0, 1, 2, 0, 4);
+  SetMeshTriPolygon(mesh, 1, 0, 3, 4, 0, 4);
+  // Vertex 0 also lies in a second group: it gets a second normal there.
+  SetMeshTriPolygon(mesh, 2, 0, 2, 1, 0, 9);
+  CalcMeshVerticesNormal(mesh);
+  EXPECT_EQ(mesh->normalCount, 5 + 3);
+  const Vector3& n = CornerNormal(mesh, 0, 2);  // vertex 0 is corner 2
+  EXPECT_EQ(&n, &CornerNormal(mesh, 1, 2));
+  EXPECT_NEAR(n.x, std::sqrt(0.5f), 1e-6f);
+  EXPECT_NEAR(n.y, 0.0f, 1e-6f);
+  EXPECT_NEAR(n.z, -std::sqrt(0.5f), 1e-6f);
+  // The second group's face is the first one turned over: its own normal.
+  EXPECT_EQ(CornerNormal(mesh, 2, 2).z, 1.0f);
+
+  // Opposite faces in one group cancel; normalising nothing gives NaN.
+  SetMeshTriPolygon(mesh, 2, 0, 2, 1, 0, 4);
+  CalcMeshVerticesNormal(mesh);
+  EXPECT_TRUE(std::isnan(CornerNormal(mesh, 0, 0).x));
+  DeleteMesh(mesh);
+}
+
+TEST_F(BoundsTest, NormalsOutOfMemoryLeaveNone) {
+  const uint32_t groups[6] = {0, 1, 2, 3, 4, 5};
+  Mesh* mesh = Cube(groups);
+  CalcMeshVerticesNormal(mesh);
+  const size_t withNormals = Blocks();
+  for (long n = 1; n <= 5; n++) {
+    testhost::FailAllocation(n);
+    CalcMeshVerticesNormal(mesh);
+    EXPECT_EQ(mesh->normalCount, 0) << n;
+    EXPECT_EQ(mesh->normals, nullptr) << n;
+    EXPECT_EQ(Blocks(), withNormals - 1) << n;
+  }
+  CalcMeshVerticesNormal(mesh);
+  EXPECT_EQ(mesh->normalCount, 24);
+  DeleteMesh(mesh);
+}
+
+TEST_F(BoundsTest, BoxCornersFacesAndMaterial) {
+  const float xyz[4][3] = {{1, -2, 3}, {-4, 5, 0.5f}, {2, 0, -6}, {0, 1, 1}};
+  Mesh* mesh = CreateMesh(4, 1, 0);
+  for (int i = 0; i < 4; i++) SetMeshVertex(mesh, i, xyz[i][0], xyz[i][1], xyz[i][2]);
+  Mesh* box = CreateAABB(mesh);
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(mesh->boundingBox, nullptr);  // the caller keeps it
+  const float lx = -4, ly = -2, lz = -6, hx = 2, hy = 5, hz = 3;
+  const float corners[8][3] = {{lx, hy, lz}, {hx, hy, lz}, {hx, ly, lz}, {lx, ly, lz},
+                               {lx, hy, hz}, {hx, hy, hz}, {hx, ly, hz}, {lx, ly, hz}};
+  ASSERT_EQ(box->vertexCount, 8);
+  ASSERT_EQ(box->meshPolygonCount, 12);
+  for (int i = 0; i < 8; i++) {
+    EXPECT_EQ(box->vertices[i].x, corners[i][0]) << i;
+    EXPECT_EQ(box->vertices[i].y, corners[i][1]) << i;
+    EXPECT_EQ(box->vertices[i].z, corners[i][2]) << i;
+  }
+  const int32_t quads[6][4] = {{0, 1, 2, 3}, {1, 5, 6, 2}, {5, 4, 7, 6},
+                               {4, 0, 3, 7}, {4, 5, 1, 0}, {3, 2, 6, 7}};
+  for (uint32_t f = 0; f < 6; f++) {
+    const MeshPolygon* p = &box->polygons[2 * f];
+    EXPECT_EQ(p[0].polygonFlags, 0x00700C47u | f << 12);
+    EXPECT_EQ(p[1].polygonFlags, 0x00700647u | f << 12);
+    EXPECT_EQ(p[0].vertexIndex[0], quads[f][3]);
+    EXPECT_EQ(p[0].vertexIndex[2], quads[f][0]);
+    EXPECT_EQ(p[1].vertexIndex[1], quads[f][2]);
+  }
+  EXPECT_EQ(box->meshFlags, 0x300021u);
+  EXPECT_EQ(box->defaultMaterial.flags, 0x300021u);
+  const float white[4] = {255, 255, 255, 0};
+  for (int c = 0; c < 4; c++) EXPECT_EQ(box->defaultMaterial.colors[1][c], white[c]);
+  EXPECT_EQ(box->normalCount, 0);
+  EXPECT_EQ(box->name[0], '\0');
+  DeleteMesh(box);
+
+  // One vertex: every corner is that vertex. A difference of -0.0 is not
+  // below zero, so +0.0 stays the minimum.
+  Mesh* point = CreateMesh(2, 1, 0);
+  SetMeshVertex(point, 0, 0.0f, 7, -1);
+  SetMeshVertex(point, 1, -0.0f, 7, -1);
+  point->vertexCount = 1;
+  box = CreateAABB(point);
+  for (int i = 0; i < 8; i++) {
+    EXPECT_EQ(box->vertices[i].y, 7.0f);
+    EXPECT_EQ(box->vertices[i].z, -1.0f);
+  }
+  DeleteMesh(box);
+  point->vertexCount = 2;
+  box = CreateAABB(point);
+  EXPECT_EQ(std::bit_cast<uint32_t>(box->vertices[0].x), 0u);
+  DeleteMesh(box);
+
+  // Out of memory: null, and nothing left behind.
+  const size_t before = Blocks();
+  for (long n = 1; n <= 2; n++) {
+    testhost::FailAllocation(n);
+    EXPECT_EQ(CreateAABB(mesh), nullptr);
+    EXPECT_EQ(Blocks(), before);
+  }
+  DeleteMesh(point);
+  DeleteMesh(mesh);
+}
+
+}  // namespace

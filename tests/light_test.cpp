@@ -1,0 +1,135 @@
+// Lights: creation and names, colour scaling, and the per-mesh light lists
+// that reach children and bring lights into the mesh's scene.
+#include <cmath>
+#include <cstring>
+
+#include "objects/light.h"
+#include "scene_fixture.h"
+
+namespace {
+
+class LightTest : public SceneFixture {
+ protected:
+  static Light* Omni() {
+    Vector3 at{1, 2, 3};
+    float color[4] = {0.5f, 0.25f, 2, 1};
+    return CreateOmniLight(&at, color, 2, 10, 100, 0x10);
+  }
+  static int Listed(const Mesh* mesh) {
+    int n = 0;
+    while (n < 64 && mesh->lightList[n] != nullptr) n++;
+    return n;
+  }
+};
+
+TEST_F(LightTest, CreationNamesAndColour) {
+  e3d::omniCounter = 9;
+  e3d::directCounter = 123;
+  Vector3 at{1, 2, 3}, to{4, 5, 6};
+  Light* o = Omni();
+  Light* o2 = Omni();
+  Light* d = CreateDirectLight(&at, &to, o->color, 3, 0);
+  EXPECT_STREQ(o->name, "Omni09");
+  EXPECT_STREQ(o2->name, "Omni10");
+  EXPECT_STREQ(d->name, "Direct123");
+  EXPECT_EQ(o->lightFlags, 0x12u);
+  EXPECT_EQ(d->lightFlags, 0x4u);
+  EXPECT_EQ(o->color[2], 2.0f);  // kept as given
+  EXPECT_EQ(GetLightFarAttenuation(o), 100);
+  EXPECT_EQ(GetLightNearAttenuation(d), 0);
+  EXPECT_EQ(GetLightPosition(d, 1)->y, 5);
+  EXPECT_EQ(GetLightPosition(d, 0), GetLightPosition(o, 7));  // one buffer
+  testhost::FailAllocation(1);
+  EXPECT_EQ(Omni(), nullptr);
+  testhost::FailAllocation(1);
+  EXPECT_EQ(CreateDirectLight(&at, &to, o->color, 3, 0), nullptr);
+  EXPECT_EQ(e3d::omniCounter, 11);
+  EXPECT_EQ(e3d::directCounter, 124);
+
+  SetLightColor(o, 255, 510, -5);
+  const float want[4] = {1, 1, 0, 0};
+  EXPECT_EQ(std::memcmp(o->color, want, sizeof want), 0);
+  float* c = GetLightColor(o);
+  EXPECT_EQ(c[0] + c[1] + c[2] + c[3], 510);
+  SetLightColor(o, 51, -0.0f, 0);
+  EXPECT_FLOAT_EQ(o->color[0], 0.2f);
+  EXPECT_TRUE(std::signbit(o->color[1]));
+  EXPECT_EQ(GetLightColor(o), c);
+  SetLightStatus(o, 5, 0);
+  EXPECT_EQ(o->lightFlags, 0x80000012u);
+  DeleteLight(o);
+  DeleteLight(o2);
+  DeleteLight(d);
+}
+
+TEST_F(LightTest, MeshListHoldsSixtyFourWithoutGaps) {
+  Mesh* m = Polygons(2);
+  Light* lights[65];
+  for (Light*& l : lights) l = Omni();
+  for (Light* l : lights) EXPECT_EQ(AssignLightToMesh(l, m), 0);
+  EXPECT_EQ(Listed(m), 64);
+  EXPECT_EQ(m->lightList[63], lights[63]);
+  // Removing from a full list frees the last place.
+  RemoveLightFromMesh(lights[5], m);
+  EXPECT_EQ(Listed(m), 63);
+  EXPECT_EQ(m->lightList[5], lights[6]);
+  EXPECT_EQ(m->lightList[62], lights[63]);
+  for (Light* l : lights) RemoveLightFromMesh(l, m);
+  EXPECT_EQ(GetMeshLightList(m), nullptr);
+  // No duplicates; removal closes the gap; an absent light changes nothing.
+  for (int i : {0, 1, 0, 2}) AssignLightToMesh(lights[i], m);
+  RemoveLightFromMesh(lights[1], m);
+  RemoveLightFromMesh(lights[40], m);
+  EXPECT_EQ(GetMeshLightList(m), m->lightList);
+  EXPECT_EQ(m->lightList[0], lights[0]);
+  EXPECT_EQ(m->lightList[1], lights[2]);
+  EXPECT_EQ(m->lightList[2], nullptr);
+  DeleteMesh(m);
+  for (Light* l : lights) DeleteLight(l);
+}
+
+TEST_F(LightTest, LightsReachChildrenAndTheMeshesScene) {
+  // a (in s) -> (b -> camera -> belowCamera, kind2)
+  Scene* s = CreateScene();
+  Mesh* a = Polygons(2);
+  Mesh* b = Polygons(2);
+  Mesh* kind2 = Polygons(2);
+  Mesh* belowCamera = Polygons(2);
+  Camera* cam = NewCamera();
+  AssignMeshToScene(s, a, 0);
+  AttachChildToNode(a, b);
+  AttachChildToNode(a, kind2);
+  AttachChildToNode(b, cam);
+  AttachChildToNode(cam, belowCamera);
+  kind2->nodeKind = 2;
+  Light* l = Omni();
+  AssignLightToMesh(l, a);
+  EXPECT_EQ(b->lightList[0], l);
+  EXPECT_EQ(belowCamera->lightList[0], l);
+  EXPECT_EQ(kind2->lightList[0], nullptr);  // only the first kind keeps a list
+  EXPECT_EQ(s->firstLight, l);
+  AssignLightToMesh(l, b);
+  EXPECT_EQ(GetSceneNumberOfLights(s), 1);
+  // Taking it from the meshes leaves the scene alone.
+  RemoveLightFromMesh(l, a);
+  EXPECT_EQ(GetMeshLightList(belowCamera), nullptr);
+  EXPECT_EQ(s->firstLight, l);
+
+  // Deleting the light takes it out of the scene, its meshes and the hierarchy.
+  AssignLightToMesh(l, a);
+  AttachChildToNode(a, l);
+  Light* child = Omni();
+  AttachChildToNode(&l->targetNodeKind, child);
+  DeleteLight(l);
+  EXPECT_EQ(GetSceneNumberOfLights(s), 0);
+  EXPECT_EQ(GetMeshLightList(b), nullptr);
+  EXPECT_EQ(a->childCount, 2);
+  EXPECT_EQ(child->parent, nullptr);
+  kind2->nodeKind = 1;
+  DeleteCamera(cam);
+  DeleteMesh(belowCamera);
+  DeleteLight(child);
+  DeleteWholeScene(s);
+}
+
+}  // namespace

@@ -1,0 +1,315 @@
+// Meshes: creation, the one-block layout, polygon setters, piece-by-piece
+// growth, validation and deletion.
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "mesh_fixture.h"
+
+namespace {
+
+using MeshTest = MeshFixture;
+
+const float kSquare[4][3] = {{0, 0, 2}, {1, 0, 2}, {1, 1, 2}, {0, 1, 2}};
+const int32_t kSquareTris[2][3] = {{0, 1, 2}, {0, 2, 3}};
+
+// A one-block mesh whose first four vertices are the square.
+Mesh* Square(int32_t vertices, int32_t slots) {
+  Mesh* mesh = CreateMesh(vertices, slots, 0);
+  for (int i = 0; i < 4; i++) SetMeshVertex(mesh, i, kSquare[i][0], kSquare[i][1], kSquare[i][2]);
+  return mesh;
+}
+
+std::vector<unsigned char> Bytes(const void* p, size_t n) {
+  const unsigned char* b = static_cast<const unsigned char*>(p);
+  return std::vector<unsigned char>(b, b + n);
+}
+
+bool IsIdentity(const Matrix34& m) {
+  static const float id[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
+  return std::memcmp(m.m, id, sizeof id) == 0;
+}
+
+TEST_F(MeshTest, CreateMeshAcceptsBothCountsOrNeither) {
+  const int32_t refused[][2] = {{0, 5}, {5, 0}, {-1, 3}, {3, -1}, {-1, -1}};
+  for (auto& c : refused) EXPECT_EQ(CreateMesh(c[0], c[1], 0), nullptr) << c[0] << "," << c[1];
+  EXPECT_EQ(testhost::Allocations(), 0u);
+
+  Mesh* empty = CreateMesh(0, 0, 0);
+  ASSERT_NE(empty, nullptr);
+  EXPECT_EQ(Blocks(), 1u);
+  EXPECT_TRUE(empty->vertexCount == 0 && empty->meshPolygonCount == 0 && !empty->vertices &&
+              !empty->polygons && !empty->lightList && !empty->ownPolygonRecords);
+  EXPECT_EQ(empty->meshFlags, 0x07F00027u);
+  DeleteMesh(empty);
+}
+
+TEST_F(MeshTest, OneBlockMeshLayoutAndDefaults) {
+  Mesh* mesh = CreateMesh(33, 6, 0xFF8000);
+  ASSERT_NE(mesh, nullptr);
+  EXPECT_EQ(Blocks(), 2u);  // the block and the own sort area
+#if defined(__i386__)
+  EXPECT_EQ(BlockBytes(), 5100u + 4 * 2 + 40 * 33 + 112 * 6 + 20 * 6);
+#endif
+  EXPECT_EQ(BlockBytes(), e3d::MeshBlockBytes(33, 6) + 4 * 6 + 6 * sizeof(PolygonRecord));
+
+  // Record, vertices, vertex bits, polygons, light list: in this order, in one block.
+  char* base = reinterpret_cast<char*>(mesh);
+  EXPECT_EQ(reinterpret_cast<char*>(mesh->vertices), base + sizeof(Mesh));
+  EXPECT_EQ(reinterpret_cast<char*>(mesh->vertexBits), reinterpret_cast<char*>(mesh->vertices + 33));
+  EXPECT_EQ(reinterpret_cast<char*>(mesh->lightList), reinterpret_cast<char*>(mesh->polygons + 6));
+  EXPECT_EQ(base + e3d::MeshBlockBytes(33, 6) - e3d::kMeshFurtherBytes,
+            reinterpret_cast<char*>(mesh->lightList + 64));
+  for (int i = 0; i < 64; i++) EXPECT_EQ(mesh->lightList[i], nullptr);
+
+  for (uint32_t i = 0; i < 6; i++) EXPECT_EQ(mesh->ownSortIndexList[i], i);
+  EXPECT_EQ(reinterpret_cast<char*>(mesh->ownPolygonRecords),
+            reinterpret_cast<char*>(mesh->ownSortIndexList) + 24);
+
+  EXPECT_EQ(mesh->nodeKind, 1u);
+  EXPECT_EQ(mesh->meshFlags, 0x07F00027u);
+  EXPECT_TRUE(mesh->vertexCount == 33 && mesh->meshPolygonCount == 6 && mesh->sortPolygonCount == 6);
+  EXPECT_TRUE(IsIdentity(mesh->modelMatrix) && IsIdentity(mesh->frameMatrix) &&
+              IsIdentity(mesh->worldMatrix) && IsIdentity(mesh->cameraMatrix));
+  const Material& m = mesh->defaultMaterial;
+  EXPECT_EQ(m.flags, 0x00700063u);
+  const float colors[3][4] = {{0, 0, 0, 0}, {255, 128, 0, 255}, {0, 0, 0, 0}};
+  EXPECT_EQ(std::memcmp(m.colors, colors, sizeof colors), 0);
+  DeleteMesh(mesh);
+}
+
+TEST_F(MeshTest, PolygonsStoreCornersReversedWithFlagsAndPlane) {
+  Mesh* mesh = Square(4, 6);
+
+  ASSERT_EQ(SetMeshTriPolygon(mesh, 0, 0, 1, 2, 0, 0), 1);
+  const MeshPolygon* p = &mesh->polygons[0];
+  EXPECT_EQ(p->polygonFlags, 0x00700E47u);
+  EXPECT_TRUE(p->vertexIndex[0] == 2 && p->vertexIndex[1] == 1 && p->vertexIndex[2] == 0);
+  EXPECT_TRUE(p->material == &mesh->defaultMaterial && p->backMaterial == &mesh->defaultMaterial);
+  // Reversed corners face -z; the plane n.p + d = 0 holds at z = 2.
+  EXPECT_EQ(p->plane[0], 0.0f);
+  EXPECT_EQ(p->plane[1], 0.0f);
+  EXPECT_EQ(p->plane[2], -1.0f);
+  EXPECT_FLOAT_EQ(p->plane[3], 2.0f);
+
+  SetMeshTriPolygon(mesh, 1, 0, 1, 2, 0, 31);
+  EXPECT_EQ(mesh->polygons[1].polygonFlags, 0x00700E47u | (31u << 12));
+  SetMeshTriPolygon(mesh, 1, 0, 1, 2, 0, 32);
+  EXPECT_EQ(mesh->polygons[1].polygonFlags, 0x00700E47u);
+
+  // Quad a, b, c, d: triangles (d, b, a) and (d, c, b), diagonal hidden in both.
+  ASSERT_EQ(SetMeshQuadPolygon(mesh, 2, 0, 1, 2, 3, 0, 7), 1);
+  const MeshPolygon* q = &mesh->polygons[2];
+  EXPECT_EQ(q[0].polygonFlags, 0x00700C47u | (7u << 12));
+  EXPECT_EQ(q[1].polygonFlags, 0x00700647u | (7u << 12));
+  const int32_t corners[2][3] = {{3, 1, 0}, {3, 2, 1}};
+  for (int h = 0; h < 2; h++) {
+    for (int k = 0; k < 3; k++) EXPECT_EQ(q[h].vertexIndex[k], corners[h][k]);
+    EXPECT_EQ(q[h].plane[2], -1.0f);
+    EXPECT_EQ(q[h].material, &mesh->defaultMaterial);
+  }
+
+  // Texture coordinates go to the corners in reverse too, and mark the polygon.
+  SetMeshTriTexCoords(mesh, 0, 0.1f, 0.2f, 0.3f, 0.4f, 0.5f, 0.6f);
+  EXPECT_EQ(p->polygonFlags, 0x00700E47u | 0x07800000u);
+  EXPECT_TRUE(p->corners[2].u == 0.1f && p->corners[2].v == 0.2f && p->corners[1].u == 0.3f &&
+              p->corners[0].v == 0.6f);
+  SetMeshQuadTexCoords(mesh, 2, 1, 2, 3, 4, 5, 6, 7, 8);
+  const float quv[2][3][2] = {{{7, 8}, {3, 4}, {1, 2}}, {{7, 8}, {5, 6}, {3, 4}}};
+  for (int h = 0; h < 2; h++) {
+    EXPECT_EQ(q[h].polygonFlags & 0x07800000u, 0x07800000u);
+    for (int k = 0; k < 3; k++) {
+      EXPECT_EQ(q[h].corners[k].u, quv[h][k][0]);
+      EXPECT_EQ(q[h].corners[k].v, quv[h][k][1]);
+    }
+  }
+
+  // A triangle on one line has no direction.
+  SetMeshVertex(mesh, 3, 2, 0, 2);
+  ASSERT_EQ(SetMeshTriPolygon(mesh, 4, 0, 1, 3, 0, 0), 1);
+  EXPECT_TRUE(std::isnan(mesh->polygons[4].plane[0]));
+  DeleteMesh(mesh);
+}
+
+TEST_F(MeshTest, RefusalsLeaveTheMeshUnchanged) {
+  Mesh* mesh = Square(4, 4);
+  SetMeshQuadPolygon(mesh, 0, 0, 1, 2, 3, 0, 1);
+  SetMeshQuadPolygon(mesh, 2, 0, 1, 2, 3, 0, 2);
+  const auto before = Bytes(mesh, e3d::MeshBlockBytes(4, 4));
+
+  const int32_t badTris[][4] = {{-1, 0, 1, 2}, {4, 0, 1, 2}, {0, -1, 1, 2}, {0, 0, 1, 4},
+                                {0, 0, 0, 1},  {0, 0, 1, 1}, {0, 1, 2, 1}};
+  for (auto& t : badTris) EXPECT_EQ(SetMeshTriPolygon(mesh, t[0], t[1], t[2], t[3], 0, 0), 0);
+  const int32_t badQuads[][5] = {{3, 0, 1, 2, 3}, {-1, 0, 1, 2, 3}, {0, 0, 1, 2, 4},
+                                 {0, 0, 1, 2, 0}, {0, 0, 1, 1, 3},  {0, 0, 1, 2, 2}};
+  for (auto& q : badQuads) EXPECT_EQ(SetMeshQuadPolygon(mesh, q[0], q[1], q[2], q[3], q[4], 0, 0), 0);
+  EXPECT_EQ(SetMeshVertex(mesh, -1, 9, 9, 9), 0);
+  EXPECT_EQ(SetMeshVertex(mesh, 5, 9, 9, 9), 0);
+  SetMeshTriTexCoords(mesh, -1, 9, 9, 9, 9, 9, 9);
+  SetMeshTriTexCoords(mesh, 5, 9, 9, 9, 9, 9, 9);
+  SetMeshQuadTexCoords(mesh, -1, 9, 9, 9, 9, 9, 9, 9, 9);
+  SetMeshQuadTexCoords(mesh, 4, 9, 9, 9, 9, 9, 9, 9, 9);
+  // The piece-by-piece builders refuse a one-block mesh.
+  EXPECT_EQ(AddMeshVertex(mesh, 9, 9, 9), 0);
+  EXPECT_EQ(AddMeshTriPolygon(mesh, 0, 1, 2, 0, 0), 0);
+  EXPECT_EQ(AddMeshQuadPolygon(mesh, 0, 1, 2, 3, 0, 0), 1);
+  EXPECT_TRUE(Bytes(mesh, e3d::MeshBlockBytes(4, 4)) == before);
+
+  // The vertex and texture-coordinate index tests include the count itself:
+  // those writes land just past the last element, inside the block.
+  EXPECT_EQ(SetMeshVertex(mesh, 4, 9, 9, 9), 1);
+  EXPECT_EQ(mesh->vertices[4].x, 9.0f);
+  SetMeshTriTexCoords(mesh, 4, 9, 9, 9, 9, 9, 9);
+  EXPECT_EQ(mesh->polygons[4].polygonFlags, 0x07800000u);
+  EXPECT_EQ(reinterpret_cast<void*>(&mesh->polygons[4]), reinterpret_cast<void*>(mesh->lightList));
+  DeleteMesh(mesh);
+}
+
+TEST_F(MeshTest, PieceBuiltMeshGrowsByExactlyOne) {
+  Mesh* mesh = CreateMesh(0, 0, 0);
+  for (int i = 0; i < 4; i++) {
+    ASSERT_EQ(AddMeshVertex(mesh, kSquare[i][0], kSquare[i][1], kSquare[i][2]), 1);
+    EXPECT_EQ(BlockBytes(), sizeof(Mesh) + (i + 1) * sizeof(MeshVertex));
+  }
+  EXPECT_EQ(mesh->vertexCount, 4);
+  EXPECT_EQ(mesh->vertices[3].y, 1.0f);
+  EXPECT_EQ(AddMeshTriPolygon(mesh, 0, 1, 2, 0, 3), 1);
+  EXPECT_EQ(mesh->meshPolygonCount, 1);
+  EXPECT_EQ(mesh->polygons[0].polygonFlags, 0x00700E47u | (3u << 12));
+  EXPECT_EQ(mesh->polygons[0].vertexIndex[0], 2);
+  // A refused triangle keeps its new, unset slot.
+  EXPECT_EQ(AddMeshTriPolygon(mesh, 0, 0, 1, 0, 0), 0);
+  EXPECT_EQ(mesh->meshPolygonCount, 2);
+  EXPECT_EQ(Blocks(), 3u);
+  EXPECT_EQ(BlockBytes(), sizeof(Mesh) + 4 * sizeof(MeshVertex) + 2 * sizeof(MeshPolygon));
+  // Out of memory while growing refuses and keeps what was there.
+  testhost::FailAllocation(1);
+  EXPECT_EQ(AddMeshVertex(mesh, 5, 5, 5), 0);
+  EXPECT_EQ(mesh->vertexCount, 4);
+  EXPECT_EQ(mesh->vertices[3].y, 1.0f);
+  DeleteMesh(mesh);  // frees the separate arrays as well
+}
+
+TEST_F(MeshTest, ValidatingPieceBuiltMeshMakesNewOneBlockMesh) {
+  Mesh* src = PieceBuilt(kSquare, 4, kSquareTris, 2);
+  Material other;
+  src->polygons[1].backMaterial = &other;
+  src->hostObject = 77;
+  src->meshFlags |= 0x4000;
+  src->pivot = {1, 2, 3};
+  src->modelMatrix.m[3] = 5.0f;
+  std::strcpy(src->name, "Piece");
+  void* workArray = AllocateMemory(16);
+  src->workArray = workArray;
+  ASSERT_EQ(Blocks(), 4u);
+
+  Mesh* mesh = ValidateMesh(src);
+  ASSERT_NE(mesh, nullptr);
+  EXPECT_NE(mesh, src);
+  // The old record, its two arrays and its work array are gone; the new mesh
+  // has its block, sort area, normals, and a box of block and sort area.
+  EXPECT_EQ(Blocks(), 5u);
+  EXPECT_EQ(testhost::BadFrees(), 0u);
+  EXPECT_FALSE(e3d::MeshIsPieceBuilt(mesh));
+  EXPECT_NE(mesh->ownPolygonRecords, nullptr);
+  EXPECT_EQ(mesh->vertexCount, 4);
+  EXPECT_EQ(mesh->meshPolygonCount, 2);
+  EXPECT_EQ(mesh->vertices[2].x, 1.0f);
+  EXPECT_EQ(mesh->polygons[1].vertexIndex[0], 3);
+  EXPECT_EQ(mesh->polygons[0].material, &mesh->defaultMaterial);
+  EXPECT_EQ(mesh->polygons[1].material, &mesh->defaultMaterial);
+  EXPECT_EQ(mesh->polygons[1].backMaterial, &other);
+  EXPECT_EQ(mesh->defaultMaterial.colors[1][2], float(0x30));  // the source's colour
+  EXPECT_EQ(mesh->meshFlags, 0x07F00027u | 0x4000 | 0x8000);
+  EXPECT_EQ(mesh->hostObject, 77u);
+  EXPECT_EQ(mesh->modelMatrix.m[3], 5.0f);
+  EXPECT_EQ(mesh->pivot.z, 3.0f);
+  EXPECT_EQ(mesh->name[0], '\0');
+  EXPECT_EQ(mesh->normalCount, 4);
+  ASSERT_NE(mesh->boundingBox, nullptr);
+  EXPECT_EQ(mesh->boundingBox->vertices[5].x, 1.0f);
+  // Adding to it is refused; validating again keeps the record.
+  EXPECT_EQ(AddMeshVertex(mesh, 0, 0, 0), 0);
+  EXPECT_EQ(ValidateMesh(mesh), mesh);
+  EXPECT_EQ(Blocks(), 5u);
+  DeleteMesh(mesh);
+}
+
+TEST_F(MeshTest, ValidationFailures) {
+  // Piece-built without polygons, or without anything: deleted.
+  Mesh* mesh = PieceBuilt(kSquare, 4, nullptr, 0);
+  EXPECT_EQ(ValidateMesh(mesh), nullptr);
+  EXPECT_EQ(ValidateMesh(CreateMesh(0, 0, 0)), nullptr);
+  EXPECT_EQ(Blocks(), 0u);
+
+  // Piece-built with an unset slot (a refused triangle left it): the copy is
+  // dropped and the source kept as it was.
+  mesh = PieceBuilt(kSquare, 4, kSquareTris, 2);
+  AddMeshTriPolygon(mesh, 1, 1, 2, 0, 0);
+  const auto record = Bytes(mesh, sizeof(Mesh));
+  EXPECT_EQ(ValidateMesh(mesh), nullptr);
+  EXPECT_TRUE(Bytes(mesh, sizeof(Mesh)) == record);
+  EXPECT_EQ(Blocks(), 3u);
+  DeleteMesh(mesh);
+
+  // One-block with a polygon never set: refused, nothing changes.
+  mesh = Square(4, 3);
+  SetMeshQuadPolygon(mesh, 0, 0, 1, 2, 3, 0, 0);
+  const auto block = Bytes(mesh, e3d::MeshBlockBytes(4, 3));
+  EXPECT_EQ(ValidateMesh(mesh), nullptr);
+  EXPECT_TRUE(Bytes(mesh, e3d::MeshBlockBytes(4, 3)) == block);
+  SetMeshTriPolygon(mesh, 2, 3, 1, 0, 0, 0);
+  EXPECT_EQ(ValidateMesh(mesh), mesh);
+  EXPECT_NE(mesh->meshFlags & 0x8000, 0u);
+  DeleteMesh(mesh);
+}
+
+// Every allocation of creation and validation can fail: the result is null and
+// nothing is left behind; retrying with the next one eventually succeeds.
+TEST_F(MeshTest, OutOfMemoryAnywhereLeavesNothingBehind) {
+  auto retry = [this](auto build) {
+    for (long n = 1;; n++) {
+      ASSERT_LT(n, 40) << "never succeeded";
+      Mesh* mesh = build(n);
+      testhost::FailAllocation(0);
+      if (mesh != nullptr) {
+        DeleteMesh(mesh);
+        EXPECT_EQ(Blocks(), 0u);
+        return;
+      }
+      EXPECT_EQ(Blocks(), 0u) << "failing allocation " << n;
+    }
+  };
+  retry([](long n) {
+    testhost::FailAllocation(n);
+    return CreateMesh(0, 0, 0);
+  });
+  retry([](long n) {
+    testhost::FailAllocation(n);
+    return CreateMesh(40, 30, 0);
+  });
+  retry([](long n) {
+    Mesh* src = PieceBuilt(kSquare, 4, kSquareTris, 2);
+    testhost::FailAllocation(n);
+    return ValidateMesh(src);
+  });
+  retry([](long n) {
+    Mesh* mesh = Square(4, 2);
+    SetMeshQuadPolygon(mesh, 0, 0, 1, 2, 3, 0, 0);
+    testhost::FailAllocation(n);
+    return ValidateMesh(mesh);
+  });
+}
+
+TEST_F(MeshTest, DeleteMeshFreesWhatTheMeshOwns) {
+  Mesh* mesh = ValidateMesh(PieceBuilt(kSquare, 4, kSquareTris, 2));
+  ASSERT_NE(mesh, nullptr);
+  mesh->workArray = AllocateMemory(64);
+  mesh->skinTable = AllocateMemory(4 * 32);
+  mesh->children = static_cast<void**>(AllocateMemory(sizeof(void*)));
+  mesh->hostObject = 5;
+  DeleteMesh(mesh);
+  DeleteMesh(nullptr);
+}
+
+}  // namespace

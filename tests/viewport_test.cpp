@@ -1,0 +1,216 @@
+// Viewports: creation over a host surface, scissor, letter-box border and
+// aspect (with its breakpoint), and clearing the depth buffer.
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "engine3d.h"
+#include "viewport/viewport.h"
+#include "support/test_host.h"
+
+namespace {
+
+uint16_t pixels[4];
+
+// A surface record with only the words a viewport reads.
+SurfaceDesc Surface(uint32_t width, uint32_t height, uint32_t pitch) {
+  SurfaceDesc d;
+  std::memset(&d, 0xCD, sizeof d);
+  d.pixels = pixels;
+  d.width = width;
+  d.height = height;
+  d.pitch = pitch;
+  return d;
+}
+
+class ViewportTest : public testhost::LeakCheckedTest {
+ protected:
+  SurfaceDesc surface = Surface(640, 480, 1280);
+  Viewport* vp = nullptr;
+  void SetUp() override {
+    LeakCheckedTest::SetUp();
+    vp = CreateViewport(&surface, 640, 480, 0);
+    ASSERT_NE(vp, nullptr);
+  }
+  void TearDown() override {
+    DeleteViewport(vp);
+    LeakCheckedTest::TearDown();
+  }
+  // Bit for bit, so that -0.0 and 0.0 differ.
+  void ExpectScissor(float l, float r, float t, float b) {
+    float want[4] = {l, r, t, b}, have[4];
+    GetViewportScissor(vp, have);
+    EXPECT_EQ(std::memcmp(want, have, sizeof want), 0) << have[0] << " " << have[1] << " "
+                                                       << have[2] << " " << have[3];
+  }
+};
+
+TEST_F(ViewportTest, CreateWithAndWithoutDepthBuffer) {
+  // The depth buffer follows the surface's size, the pitch is halved.
+  SurfaceDesc small = Surface(320, 200, 1283);
+  size_t bytes = testhost::LiveBytes();
+  Viewport* d = CreateViewport(&small, 640, 480, 1);
+  ASSERT_NE(d, nullptr);
+  EXPECT_EQ(testhost::LiveBytes() - bytes, sizeof(Viewport) + 320 * 200 * 4);
+  EXPECT_EQ(d->flags, 8u);
+  EXPECT_EQ(d->pitchPixels, 641u);
+  EXPECT_EQ(d->pixels, pixels);
+  EXPECT_EQ(d->centerX, 320.0f);
+  EXPECT_EQ(d->centerY, 240.0f);
+  EXPECT_EQ(GetViewportAspect(d), 1.0f);
+  EXPECT_EQ(d->projectionSign, -1.0f);
+  EXPECT_EQ(d->borderOffset | d->borderHeight | d->reserved, 0);
+  EXPECT_EQ(d->material, nullptr);
+  EXPECT_EQ(GetViewportCamera(d), nullptr);
+  DeleteViewport(d);
+
+  for (int32_t depth : {0, 2, -1}) {
+    size_t blocks = testhost::LiveBlocks();
+    d = CreateViewport(&small, 640, 400, depth);
+    EXPECT_EQ(testhost::LiveBlocks() - blocks, 1u);
+    EXPECT_EQ(d->flags, 0u);
+    EXPECT_EQ(d->depthBuffer, nullptr);
+    EXPECT_FLOAT_EQ(GetViewportAspect(d), 4.0f * 400 / (3.0f * 640));
+    DeleteViewport(d);
+  }
+
+  // Either allocation failing gives null and leaves nothing behind.
+  for (int n : {1, 2}) {
+    testhost::FailAllocation(n);
+    EXPECT_EQ(CreateViewport(&small, 64, 48, 1), nullptr);
+  }
+  testhost::FailAllocation(1);
+  EXPECT_EQ(CreateViewport(&small, 64, 48, 0), nullptr);
+}
+
+TEST_F(ViewportTest, TypeAndMaterial) {
+  SetViewportType(vp, 4);
+  EXPECT_EQ(vp->flags, 0u);
+  SetViewportType(vp, 0x80000002u);
+  EXPECT_EQ(vp->flags, 0x80000002u);
+  SetViewportType(vp, 1);  // OR-ed in: the enabled bit stays
+  EXPECT_EQ(vp->flags, 0x80000001u);
+  EXPECT_EQ(GetViewportType(vp), 1u);
+  // The material is freed with the viewport unless it was cleared first.
+  Material* kept = static_cast<Material*>(AllocateMemory(64));
+  SetViewportMaterial(vp, kept);
+  SetViewportMaterial(vp, nullptr);
+  Viewport* other = CreateViewport(&surface, 64, 48, 1);
+  SetViewportMaterial(other, static_cast<Material*>(AllocateMemory(64)));
+  size_t blocks = testhost::LiveBlocks();
+  DeleteViewport(other);
+  EXPECT_EQ(blocks - testhost::LiveBlocks(), 3u);
+  FreeMemory(kept);
+}
+
+TEST_F(ViewportTest, ScissorRefusesAndClamps) {
+  ExpectScissor(0, 640, 0, 480);
+  SetViewportScissor(vp, -5, 700, 0, 100);  // right beyond the width: refused whole
+  ExpectScissor(0, 640, 0, 480);
+  SetViewportScissor(vp, 0, 600, 0, 480.5f);
+  ExpectScissor(0, 640, 0, 480);
+  SetViewportScissor(vp, -5, 600, -1, 100);
+  ExpectScissor(0, 600, 0, 100);
+  SetViewportScissor(vp, 700, -3, 500, 50);  // no order check
+  ExpectScissor(640, 0, 480, 50);
+  // Sign tests on the bits: -0.0 is kept, the smallest negative is not.
+  SetViewportScissor(vp, -0.0f, 640, -1e-45f, 480);
+  ExpectScissor(-0.0f, 640, 0, 480);
+  // A NaN is negative or positive by its sign bit.
+  SetViewportScissor(vp, 1, -NAN, 2, 3);
+  ExpectScissor(1, 0, 2, 3);
+  SetViewportScissor(vp, 5, NAN, 6, 7);
+  ExpectScissor(1, 0, 2, 3);
+}
+
+TEST_F(ViewportTest, BorderHeightAndClipBounds) {
+  vp->pitchPixels = 700;
+  SetViewportBorderHeight(vp, 240);  // both bars would cover everything
+  SetViewportBorderHeight(vp, -1);
+  EXPECT_EQ(GetViewportBorderHeight(vp), 0);
+  EXPECT_EQ(GetViewportAspect(vp), 1.0f);
+  SetViewportBorderHeight(vp, 239);
+  EXPECT_EQ(GetViewportBorderHeight(vp), 239);
+  EXPECT_EQ(vp->borderOffset, 239 * 700);
+  EXPECT_EQ(GetViewportAspect(vp), 320.0f);
+  SetViewportBorderHeight(vp, 0);
+  EXPECT_EQ(GetViewportAspect(vp), 640.0f / 480.0f);
+  // Drawing stays inside the scissor and out of the bars.
+  SetViewportBorderHeight(vp, 100);
+  SetViewportScissor(vp, 10, 600, 50, 460);
+  e3d::ViewportClip c = e3d::ViewportClipBounds(vp);
+  EXPECT_EQ(c.top, 100.0f);
+  EXPECT_EQ(c.lastRow, 379.0f);
+  SetViewportScissor(vp, 10, 600, 150, 300);
+  c = e3d::ViewportClipBounds(vp);
+  EXPECT_EQ(c.top, 150.0f);
+  EXPECT_EQ(c.lastRow, 299.0f);
+}
+
+volatile sig_atomic_t traps = 0;
+void CountTrap(int) { traps = traps + 1; }
+
+TEST_F(ViewportTest, AspectTrapsThenLetterBoxes) {
+  struct sigaction on {}, old {};
+  on.sa_handler = CountTrap;
+  sigemptyset(&on.sa_mask);
+  ASSERT_EQ(sigaction(SIGTRAP, &on, &old), 0);
+  traps = 0;
+  vp->pitchPixels = 700;
+  SetViewportAspect(vp, 1.0f);  // taller than the viewport: ignored after the trap
+  EXPECT_EQ(traps, 1);
+  EXPECT_EQ(GetViewportBorderHeight(vp), 0);
+  EXPECT_EQ(GetViewportAspect(vp), 1.0f);
+  SetViewportAspect(vp, 1e30f);  // bars of 240 rows leave nothing
+  SetViewportAspect(vp, -2.0f);
+  EXPECT_EQ(GetViewportBorderHeight(vp), 0);
+  SetViewportAspect(vp, 16.0f / 9.0f);
+  EXPECT_EQ(traps, 4);
+  EXPECT_EQ(GetViewportBorderHeight(vp), 60);
+  EXPECT_EQ(vp->borderOffset, 60 * 700);
+  EXPECT_EQ(GetViewportAspect(vp), 16.0f / 9.0f);
+  SetViewportAspect(vp, 640.0f / 480.0f);
+  EXPECT_EQ(GetViewportBorderHeight(vp), 0);
+  EXPECT_EQ(GetViewportAspect(vp), 640.0f / 480.0f);
+  sigaction(SIGTRAP, &old, nullptr);
+
+  // Without a handler the host gets the breakpoint.
+  EXPECT_EXIT(
+      {
+        struct rlimit none {};
+        setrlimit(RLIMIT_CORE, &none);
+        SetViewportAspect(vp, 2.0f);
+      },
+      ::testing::KilledBySignal(SIGTRAP), "");
+}
+
+TEST_F(ViewportTest, ClearDepthCoversWholeRowsOfTheScissorBand) {
+  SurfaceDesc s = Surface(16, 12, 32);
+  Viewport* d = CreateViewport(&s, 16, 12, 1);
+  ASSERT_NE(d, nullptr);
+  auto count = [d](uint32_t value, int from, int to) {
+    int n = 0;
+    for (int i = 0; i < 16 * 12; i++) {
+      bool inside = i >= from && i < to;
+      n += (d->depthBuffer[i] == value) == inside;
+    }
+    return n;
+  };
+  ClearViewportDepthBuffer(d, 0x11111111u);
+  EXPECT_EQ(count(0x11111111u, 0, 192), 192);
+  SetViewportScissor(d, 2, 10, 3, 7);  // the horizontal limits do not apply
+  ClearViewportDepthBuffer(d, 0xABCDEF01u);
+  EXPECT_EQ(count(0xABCDEF01u, 3 * 16, 7 * 16), 192);
+  SetViewportScissor(d, 0, 16, 2.5f, 7);  // start row 2 (ties to even), 4.5 rows
+  ClearViewportDepthBuffer(d, 5);
+  EXPECT_EQ(count(5, 32, 32 + 72), 192);
+  SetViewportScissor(d, 0, 16, 9, 9);
+  ClearViewportDepthBuffer(d, 6);
+  EXPECT_EQ(count(6, 0, 0), 192);
+  DeleteViewport(d);
+}
+
+}  // namespace
