@@ -29,6 +29,10 @@ char* IntToString(int32_t value, char* buffer);
 char* UIntToString(uint32_t value, char* buffer);
 void Swap32(uint32_t* a, uint32_t* b);
 
+// A default object name: base, then "0" when number is below 10, then number
+// (Camera00 ... Camera09, Camera10). Returns the terminator written.
+char* WriteGeneratedName(char* name, const char* base, int32_t number);
+
 // Typed allocation through the host: count elements of T, contents undefined.
 template <class T>
 inline T* Allocate(uint32_t count = 1) {

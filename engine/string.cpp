@@ -108,4 +108,11 @@ char* UIntToString(uint32_t value, char* buffer) {
   return WriteDecimal(value, buffer);
 }
 
+char* WriteGeneratedName(char* name, const char* base, int32_t number) {
+  char* end = StringCopy(name, base);
+  if (number < 10) end = StringCopy(end, "0");
+  IntToString(number, end);
+  return end + StringLength(end);
+}
+
 }  // namespace e3d

@@ -792,4 +792,32 @@ E3D_API void E3D_CALL GouraudSolidTriangle(MeshPolygon* face, MeshVertex* vertic
 E3D_API void E3D_CALL GouraudSolidTriangleZ(MeshPolygon* face, MeshVertex* vertices);
 /* ---- drawers: end ---- */
 
+/* ======================================================================
+** Full-screen effects on a finished image. The blurs work in place on
+** width x height pixels whose rows are exactly width pixels apart; every
+** halving truncates, and each call moves the image up by one row.
+*/
+/* ---- effects: begin ---- */
+/* Pixel (x, y) becomes pixel (x, y + 1) halved (bit 15 kept) plus a quarter
+   each of the pixels right of and below it. Column 0, the last column and the
+   last two rows are left as they were; under 3 x 3 nothing is written. */
+E3D_API void E3D_CALL FSBlur(uint16_t* pixels, int32_t width, int32_t height);
+/* Two pixels a word: each becomes about half itself plus an eighth each of
+   its four neighbours (the first word of a row uses unmasked sums, the last
+   is copied); the last row is halved. An odd width, a width under 4 or a
+   height under 2 leaves the image untouched. */
+E3D_API void E3D_CALL FSBlurFast(uint16_t* pixels, int32_t width, int32_t height);
+/* Covers the viewport's clip rectangle with its post-effect material: the sum
+   of the three colours, in the material's alpha mode, depth-tested at 1/z 0.2
+   when the viewport has a depth buffer. Leaves vp as the render viewport.
+   Without a material nothing happens. */
+E3D_API void E3D_CALL DrawViewportPostFX(Viewport* vp);
+/* ---- effects: end ---- */
+
+/* ---- clipping: begin ---- */
+/* Draws a flat triangle (colour in colors[0]) into vp without the 3D
+   pipeline, clipped to the viewport by the outcodes of its vertices. */
+E3D_API void E3D_CALL DrawTriangle2D(MeshPolygon* face, MeshVertex* vertices, Viewport* vp);
+/* ---- clipping: end ---- */
+
 #endif /* ENGINE3D_H */

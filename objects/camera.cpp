@@ -14,21 +14,6 @@ int32_t cameraCounter = 0;
 
 namespace {
 
-// "Camera", a 0 below 10, then the counter: Camera00 ... Camera09, Camera10.
-void NameCamera(Camera* camera, int32_t number) {
-  char* end = StringCopy(camera->name, "Camera");
-  if (number < 10) end = StringCopy(end, "0");
-  IntToString(number, end);
-}
-
-// Takes a node out of the hierarchy both ways. Its children only lose their
-// parent: the host still owns them.
-void Unhang(void* node) {
-  NodeLinks links = LinksOf(node);
-  if (*links.parent != nullptr) DetachChildFromNode(*links.parent, node);
-  while (*links.childCount > 0)
-    DetachChildFromNode(node, (*links.children)[*links.childCount - 1]);
-}
 
 }  // namespace
 }  // namespace e3d
@@ -46,7 +31,7 @@ E3D_API Camera* E3D_CALL CreateCamera(const Vector3* position, const Vector3* ta
   camera->fov = fov;
   camera->nearPlane = nearPlane;
   camera->farPlane = kCameraDefaultFar;
-  NameCamera(camera, cameraCounter);
+  WriteGeneratedName(camera->name, "Camera", cameraCounter);
   cameraCounter = static_cast<int32_t>(static_cast<uint32_t>(cameraCounter) + 1);
   camera->nodeKind = kNodeCamera;
   camera->parent = nullptr;
@@ -70,8 +55,8 @@ E3D_API void E3D_CALL DeleteCamera(Camera* camera) {
     if (RemoveCameraFromScene(scene, camera)) break;
   camera->hostObject = 0;
   camera->hostObject2 = 0;
-  Unhang(camera);
-  Unhang(&camera->targetNodeKind);
+  UnhangNode(camera);
+  UnhangNode(&camera->targetNodeKind);
   FreeMemory(camera);
 }
 

@@ -94,6 +94,13 @@ void DetachAllChildren(void* node) {
   }
 }
 
+void UnhangNode(void* node) {
+  NodeLinks links = LinksOf(node);
+  if (*links.parent != nullptr) DetachChildFromNode(*links.parent, node);
+  while (*links.childCount > 0)
+    DetachChildFromNode(node, (*links.children)[*links.childCount - 1]);
+}
+
 }  // namespace e3d
 
 using namespace e3d;

@@ -27,6 +27,10 @@ inline uint32_t NodeKindOf(const void* node) { return *static_cast<const uint32_
 // through mesh parents.
 Mesh* MeshTreeRoot(Mesh* mesh);
 
+// Takes a node out of the hierarchy both ways before its record is freed.
+// Its children only lose their parent: the host still owns them.
+void UnhangNode(void* node);
+
 // Detaches every child of node (its children's children first); child meshes
 // with a zero host tag are deleted, cameras and lights only detached.
 void DetachAllChildren(void* node);

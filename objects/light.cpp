@@ -4,6 +4,7 @@
 
 #include "engine/memory.h"
 #include "engine/registry.h"
+#include "objects/hierarchy.h"
 #include "objects/mesh.h"
 #include "objects/mesh_attributes.h"
 #include "objects/scene.h"
@@ -21,9 +22,7 @@ Vector3 vectorResult;
 
 // base, a 0 below 10, then the counter: Omni00 ... Omni09, Omni10.
 void NameLight(Light* light, const char* base, int32_t& counter) {
-  char* end = StringCopy(light->name, base);
-  if (counter < 10) end = StringCopy(end, "0");
-  IntToString(counter, end);
+  WriteGeneratedName(light->name, base, counter);
   counter = int32_t(uint32_t(counter) + 1);
 }
 
@@ -40,14 +39,6 @@ Light* NewLight(const Vector3* position, const float* color, float intensity, ui
   for (int i = 0; i < 4; i++) light->color[i] = color[i];
   light->intensity = intensity;
   return light;
-}
-
-// Takes a node out of the hierarchy both ways; its children only lose
-// their parent.
-void Unhang(void* node) {
-  NodeLinks links = LinksOf(node);
-  if (*links.parent != nullptr) DetachChildFromNode(*links.parent, node);
-  while (*links.childCount > 0) DetachChildFromNode(node, (*links.children)[*links.childCount - 1]);
 }
 
 // A colour component from 0-255 to 0-1, limited to that range (negative
@@ -104,8 +95,8 @@ E3D_API void E3D_CALL DeleteLight(Light* light) {
     if (RemoveLightFromScene(scene, light)) break;
   light->hostObject = 0;
   light->hostObject2 = 0;
-  Unhang(light);
-  Unhang(&light->targetNodeKind);
+  UnhangNode(light);
+  UnhangNode(&light->targetNodeKind);
   FreeMemory(light);
 }
 

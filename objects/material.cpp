@@ -10,15 +10,6 @@ int32_t materialCounter = 0;
 
 namespace {
 
-// base, then "0" below 10, then the number: Material00 ... Material09, Material10.
-void WriteGeneratedName(char* name, const char* base, int32_t number) {
-  char digits[12];
-  StringCopy(name, base);
-  if (number < 10) StringAppend(name, "0");
-  IntToString(number, digits);
-  StringAppend(name, digits);
-}
-
 inline void SetMasked(uint32_t& flags, uint32_t mask, uint32_t value) {
   flags = (flags & ~mask) | (value & mask);
 }

@@ -26,14 +26,6 @@ BlockLayout LayoutOf(int32_t vertexCount, int32_t polygonCount) {
   return l;
 }
 
-// Own sort area: the sorter's index list, then the records.
-uint64_t SortRecordsOffset(int32_t count) {
-  return AlignUp(4 * uint64_t(count), alignof(PolygonRecord));
-}
-uint64_t SortAreaBytes(int32_t count) {
-  return SortRecordsOffset(count) + uint64_t(count) * sizeof(PolygonRecord);
-}
-
 // Every field zero, then the values every new mesh starts with.
 void InitRecord(Mesh* mesh, uint32_t color) {
   e3d::MemoryFill(mesh, 0, sizeof(Mesh));
@@ -60,7 +52,6 @@ static_assert(sizeof(Mesh) % alignof(MeshVertex) == 0);
 static_assert(sizeof(Mesh) + kMeshLightListEntries * 4 + kMeshFurtherBytes == 5100,
               "one-block mesh: record, light list and further area are 5100 bytes");
 static_assert(sizeof(MeshVertex) == 40 && sizeof(MeshPolygon) == 112);
-static_assert(sizeof(PolygonRecord) + 4 == 20, "sort area is 20 bytes a polygon");
 #endif
 
 uint32_t MeshBlockBytes(int32_t vertexCount, int32_t polygonCount) {
@@ -73,14 +64,12 @@ void FreeMeshSortArea(Mesh* mesh) {
 }
 
 bool GiveMeshSortArea(Mesh* mesh, int32_t count) {
-  uint64_t bytes = SortAreaBytes(count);
-  void* area = bytes <= 0xFFFFFFFFu ? AllocateMemory(uint32_t(bytes)) : nullptr;
+  PolygonRecord* records;
+  uint32_t* area = AllocateSortArea(count, &records);
   FreeMeshSortArea(mesh);
   if (area == nullptr) return false;
-  mesh->ownSortIndexList = static_cast<uint32_t*>(area);
-  mesh->ownPolygonRecords =
-      reinterpret_cast<PolygonRecord*>(static_cast<char*>(area) + SortRecordsOffset(count));
-  ResetRadixSort(count, mesh->ownSortIndexList);
+  mesh->ownSortIndexList = area;
+  mesh->ownPolygonRecords = records;
   return true;
 }
 

@@ -26,13 +26,6 @@ void DegreesCosSin(double degrees, double* c, double* s) {
   SinCosD(degrees * double(kDegreesToRadians), s, c);
 }
 
-// "<base>NN": a 0 is put before counters below 10, so names sort up to 99.
-static void NameGeneratedMesh(Mesh* mesh, const char* base, int32_t counter) {
-  char* end = StringCopy(mesh->name, base);
-  if (counter < 10) *end++ = '0';
-  IntToString(counter, end);
-}
-
 Mesh* FinishGeneratedMesh(Mesh* mesh, const char* base, int32_t* counter) {
   if (!ComputeMeshNormals(mesh)) {
     DeleteMesh(mesh);
@@ -44,7 +37,7 @@ Mesh* FinishGeneratedMesh(Mesh* mesh, const char* base, int32_t* counter) {
     return nullptr;
   }
   mesh->boundingBox = box;
-  NameGeneratedMesh(mesh, base, *counter);
+  WriteGeneratedName(mesh->name, base, *counter);
   ++*counter;
   return mesh;
 }

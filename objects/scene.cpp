@@ -15,8 +15,6 @@ namespace e3d {
 
 namespace {
 
-constexpr uint64_t AlignUp(uint64_t n, uint64_t a) { return (n + a - 1) & ~(a - 1); }
-
 // Forwards to the host's function the value of entry b of the hook table
 // (counted from 1); without a host function, or an entry, it answers scene.
 void* DefaultSceneHook(int32_t a, int32_t b, Scene* scene) {
@@ -27,31 +25,14 @@ void* DefaultSceneHook(int32_t a, int32_t b, Scene* scene) {
 
 }  // namespace
 
-#if defined(__i386__)
-static_assert(sizeof(PolygonRecord) + kSortIndexBytes == kSortAreaBytesPerPolygon);
-#endif
-
-uint64_t SortRecordsOffset(int32_t count) {
-  return AlignUp(kSortIndexBytes * uint64_t(count), alignof(PolygonRecord));
-}
-
-uint64_t SortAreaBytes(int32_t count) {
-  return SortRecordsOffset(count) + uint64_t(count) * sizeof(PolygonRecord);
-}
-
 void RebuildSceneSortArea(Scene* scene) {
   scene->sceneFlags &= ~kSceneReady;
   Release(scene->sortIndexList);
   scene->polygonRecords = nullptr;
   int32_t count = scene->polygonCapacity;
   if (count < 0) return;  // counts out of step: never draw from it
-  uint64_t bytes = SortAreaBytes(count);
-  void* area = bytes <= 0xFFFFFFFFu ? AllocateMemory(uint32_t(bytes)) : nullptr;
-  if (area == nullptr) return;
-  scene->sortIndexList = static_cast<uint32_t*>(area);
-  scene->polygonRecords =
-      reinterpret_cast<PolygonRecord*>(static_cast<char*>(area) + SortRecordsOffset(count));
-  ResetRadixSort(count, scene->sortIndexList);
+  scene->sortIndexList = AllocateSortArea(count, &scene->polygonRecords);
+  if (scene->sortIndexList == nullptr) return;
   scene->sceneFlags |= kSceneReady;
 }
 

@@ -62,17 +62,7 @@ namespace e3d {
 // sceneFlags: the sort area matches the scene's meshes and it may be drawn.
 inline constexpr uint32_t kSceneReady = 0x1;
 
-// Sort area: 4 bytes of index list and one 16-byte record per polygon.
-inline constexpr uint32_t kSortIndexBytes = 4;
-inline constexpr uint32_t kSortAreaBytesPerPolygon = 20;
-
 inline bool SceneIsReady(const Scene* scene) { return (scene->sceneFlags & kSceneReady) != 0; }
-
-// Bytes of a sort area for count polygons: the index list, then the records
-// (aligned for them). 20 bytes a polygon on i386.
-uint64_t SortAreaBytes(int32_t count);
-// Offset of the records from the start of such an area.
-uint64_t SortRecordsOffset(int32_t count);
 
 // Frees the scene's sort area and allocates one for polygonCapacity polygons,
 // resetting the sorter on it. The scene is marked ready only when that

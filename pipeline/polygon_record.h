@@ -14,3 +14,12 @@ struct PolygonRecord {
 #if defined(__i386__)
 static_assert(sizeof(PolygonRecord) == 16, "PolygonRecord is four words on i386");
 #endif
+
+namespace e3d {
+
+// A sort area in one block: count sorter indexes, then count records. The
+// index list is reset for the sorter. Returns the block, or null when it
+// cannot be had; *records points into it.
+uint32_t* AllocateSortArea(int32_t count, PolygonRecord** records);
+
+}  // namespace e3d

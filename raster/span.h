@@ -46,6 +46,7 @@ inline uint32_t DepthOf(double invZ) {
   return z < 4294967295.0 ? static_cast<uint32_t>(FloatToInt(z)) : kDepthFarthest;
 }
 
+// A span body: Shader along the span, behind the depth test kTest.
 template <class Shader, DepthTest kTest = DepthTest::kNone>
 struct ShadedSpan {
   using Params = typename Shader::Params;
@@ -61,8 +62,8 @@ struct ShadedSpan {
         shader.Step();
       }
     } else {
-      // 1/z is exact at the start of every block of 16 and at the last
-      // pixel; the integer depth steps linearly in between.
+      // Depths come from 1/z at the start of every block of 16 pixels and
+      // at the span's last pixel; in between they step in whole units.
       uint32_t* depth = s.depth;
       const double invZ = s.attr[kAttributes - 1], invZStep = s.dx[kAttributes - 1];
       uint32_t z = DepthOf(invZ);
@@ -95,9 +96,9 @@ struct ShadedSpan {
 
 // An 8.16 channel ramp along a span: its value at the first pixel and its
 // change per pixel, each round(value x 65536). Rounding can carry an
-// interpolated channel a hair outside 0..255 at the rim of a triangle, and a
-// negative accumulator would read as 255: the ramp is shifted, or if it must
-// flattened, to stay inside 0..255 at both ends.
+// interpolated channel a hair outside 0..255 at the rim of a triangle, where
+// it would read outside the channel tables: the ramp is shifted, or if it
+// must flattened, to stay inside 0..255 at both ends.
 struct ChannelRamp {
   int32_t value;
   int32_t step;

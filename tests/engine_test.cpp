@@ -2,6 +2,7 @@
 // scene, over hand-built scenes and records.
 #include <climits>
 #include <cstring>
+#include <type_traits>
 
 #include "engine/registry.h"
 #include "engine3d.h"
@@ -41,7 +42,7 @@ class EngineTest : public testhost::LeakCheckedTest {
 };
 
 // One kind of scene member: its record, list head and links, and its searches.
-template <class R, auto Head, auto Prev, auto Next, auto ByIndexFn, auto ByNameFn>
+template <class R, auto Head, auto Prev, auto Next, auto ByIndexFn, auto ByNameFn, auto IndexOfFn = nullptr>
 struct Kind {
   using Record = R;
   static constexpr auto head = Head;
@@ -49,15 +50,17 @@ struct Kind {
   static constexpr auto next = Next;
   static R* ByIndex(Scene* s, int32_t i) { return ByIndexFn(s, i); }
   static R* ByName(Scene* s, const char* n) { return ByNameFn(s, n); }
+  static constexpr auto indexOf = IndexOfFn;
 };
 using MeshKind = Kind<Mesh, &Scene::firstMesh, &Mesh::prevInScene, &Mesh::nextInScene,
                       SearchMeshByIndex, SearchMeshByName>;
 using CameraKind = Kind<Camera, &Scene::firstCamera, &Camera::prevCamera, &Camera::nextCamera,
-                        SearchCameraByIndex, SearchCameraByName>;
+                        SearchCameraByIndex, SearchCameraByName, e3d::GetSceneCameraIndex>;
 using LightKind = Kind<Light, &Scene::firstLight, &Light::prevLight, &Light::nextLight,
-                       SearchLightByIndex, SearchLightByName>;
+                       SearchLightByIndex, SearchLightByName, e3d::GetSceneLightIndex>;
 using MaterialKind = Kind<Material, &Scene::firstMaterial, &Material::prevMaterial,
-                          &Material::nextMaterial, SearchMaterialByIndex, SearchMaterialByName>;
+                          &Material::nextMaterial, SearchMaterialByIndex, SearchMaterialByName,
+                          e3d::GetSceneMaterialIndex>;
 
 template <class K>
 class SearchTest : public EngineTest {
@@ -82,202 +85,115 @@ class SearchTest : public EngineTest {
 using AllKinds = ::testing::Types<MeshKind, CameraKind, LightKind, MaterialKind>;
 TYPED_TEST_SUITE(SearchTest, AllKinds);
 
-TYPED_TEST(SearchTest, ByIndexWalksFromTheHead) {
-  using K = TypeParam;
-  EXPECT_EQ(K::ByIndex(&this->scene_, 0), nullptr);
-  EXPECT_EQ(K::ByIndex(&this->scene_, -1), nullptr);
-
-  this->Fill({"a", "b", "c"});
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(K::ByIndex(&this->scene_, i), &this->records_[i]) << i;
-  EXPECT_EQ(K::ByIndex(&this->scene_, 3), nullptr);
-  EXPECT_EQ(K::ByIndex(&this->scene_, 4), nullptr);
-  EXPECT_EQ(K::ByIndex(&this->scene_, -1), nullptr);
-  EXPECT_EQ(K::ByIndex(&this->scene_, INT_MIN), nullptr);
-  EXPECT_EQ(K::ByIndex(&this->scene_, INT_MAX), nullptr);
-
-  // Appending keeps the list doubly linked in assignment order.
-  EXPECT_EQ(this->records_[0].*K::prev, nullptr);
-  EXPECT_EQ(this->records_[2].*K::prev, &this->records_[1]);
-  EXPECT_EQ(this->records_[2].*K::next, nullptr);
-  EXPECT_EQ(e3d::ListLength<K::next>(this->scene_.*K::head), 3);
-}
-
-TYPED_TEST(SearchTest, ByNameMatchesWholeNamesExactly) {
+TYPED_TEST(SearchTest, ByIndexAndByName) {
   using K = TypeParam;
   Scene* s = &this->scene_;
+  EXPECT_EQ(K::ByIndex(s, 0), nullptr);
   EXPECT_EQ(K::ByName(s, "Omni"), nullptr);
-
   this->Fill({"", "Omni", "Omni01", "Omni", "Spot"});
-  EXPECT_EQ(K::ByName(s, "Omni"), &this->records_[1]);  // the earlier of two
-  EXPECT_EQ(K::ByName(s, "Omni01"), &this->records_[2]);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(K::ByIndex(s, i), &this->records_[i]) << i;
+  EXPECT_EQ(K::ByIndex(s, 5), nullptr);
+  EXPECT_EQ(K::ByIndex(s, -1), nullptr);
+  EXPECT_EQ(K::ByIndex(s, INT_MIN), nullptr);
+  // Whole names, exactly; the earlier of two; an empty name is never found.
+  EXPECT_EQ(K::ByName(s, "Omni"), &this->records_[1]);
   EXPECT_EQ(K::ByName(s, "Spot"), &this->records_[4]);
   EXPECT_EQ(K::ByName(s, "omni"), nullptr);
-  EXPECT_EQ(K::ByName(s, "OMNI"), nullptr);
   EXPECT_EQ(K::ByName(s, "Omn"), nullptr);
   EXPECT_EQ(K::ByName(s, "Omni0"), nullptr);
-  EXPECT_EQ(K::ByName(s, "Spots"), nullptr);
-  // The empty-named head is never found, not even by an empty name.
   EXPECT_EQ(K::ByName(s, ""), nullptr);
   EXPECT_EQ(K::ByName(s, nullptr), nullptr);
-}
-
-TEST_F(EngineTest, IndexOfComparesIdentityNotNames) {
-  Scene scene{};
-  Camera cameras[3]{};
-  Light lights[2]{};
-  Material materials[2]{};
-  Skeleton skeletons[2]{};
-  EXPECT_EQ(e3d::GetSceneCameraIndex(&scene, &cameras[0]), -1);
-  EXPECT_EQ(e3d::GetSceneLightIndex(&scene, &lights[0]), -1);
-  EXPECT_EQ(e3d::GetSceneMaterialIndex(&scene, &materials[0]), -1);
-  EXPECT_EQ(e3d::GetSceneSkeletonIndex(&scene, &skeletons[0]), -1);
-
-  for (Camera& c : cameras) {
-    std::strcpy(c.name, "Camera");
-    e3d::ListAppend<&Camera::prevCamera, &Camera::nextCamera>(scene.firstCamera, &c);
+  // The index of a record is found by identity, not by name.
+  if constexpr (!std::is_null_pointer_v<decltype(K::indexOf)>) {
+    typename K::Record twin = this->records_[3];
+    EXPECT_EQ(K::indexOf(s, &this->records_[3]), 3);
+    EXPECT_EQ(K::indexOf(s, &twin), -1);
+    EXPECT_EQ(K::indexOf(s, nullptr), -1);
   }
-  e3d::ListAppend<&Light::prevLight, &Light::nextLight>(scene.firstLight, &lights[0]);
-  e3d::ListAppend<&Material::prevMaterial, &Material::nextMaterial>(scene.firstMaterial, &materials[0]);
-  e3d::ListAppend<&Material::prevMaterial, &Material::nextMaterial>(scene.firstMaterial, &materials[1]);
-  e3d::ListAppend<&Skeleton::prevSkeleton, &Skeleton::nextSkeleton>(scene.firstSkeleton, &skeletons[1]);
-
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(e3d::GetSceneCameraIndex(&scene, &cameras[i]), i);
-  Camera twin{};
-  std::strcpy(twin.name, "Camera");
-  EXPECT_EQ(e3d::GetSceneCameraIndex(&scene, &twin), -1);
-  EXPECT_EQ(e3d::GetSceneLightIndex(&scene, &lights[0]), 0);
-  EXPECT_EQ(e3d::GetSceneLightIndex(&scene, &lights[1]), -1);
-  EXPECT_EQ(e3d::GetSceneMaterialIndex(&scene, &materials[1]), 1);
-  EXPECT_EQ(e3d::GetSceneSkeletonIndex(&scene, &skeletons[1]), 0);
-  EXPECT_EQ(e3d::GetSceneSkeletonIndex(&scene, &skeletons[0]), -1);
-  EXPECT_EQ(e3d::GetSceneCameraIndex(&scene, nullptr), -1);
 }
 
-TEST_F(EngineTest, SkeletonsAreFoundByTheirRootBoneName) {
+TEST_F(EngineTest, SkeletonsGoByTheirRootBone) {
   Scene scene{};
   Skeleton skeletons[4]{};
+  EXPECT_EQ(e3d::GetSceneSkeletonIndex(&scene, &skeletons[0]), -1);
+  // A skeleton is named by its root bone; the first has none and is passed over.
   Bone bones[3]{};
   std::strcpy(bones[0].name, "hips");
-  std::strcpy(bones[1].name, "");
   std::strcpy(bones[2].name, "hips");
-  skeletons[1].rootBone = &bones[0];
-  skeletons[2].rootBone = &bones[1];
-  skeletons[3].rootBone = &bones[2];
-  EXPECT_EQ(SearchSkeletonByName(&scene, "hips"), nullptr);
-  // The first skeleton has no root bone and so no name: it is passed over.
-  for (Skeleton& s : skeletons)
-    e3d::ListAppend<&Skeleton::prevSkeleton, &Skeleton::nextSkeleton>(scene.firstSkeleton, &s);
+  for (int i = 0; i < 4; ++i) {
+    if (i > 0) skeletons[i].rootBone = &bones[i - 1];
+    e3d::ListAppend<&Skeleton::prevSkeleton, &Skeleton::nextSkeleton>(scene.firstSkeleton, &skeletons[i]);
+  }
   EXPECT_EQ(SearchSkeletonByName(&scene, "hips"), &skeletons[1]);
   EXPECT_EQ(SearchSkeletonByName(&scene, "Hips"), nullptr);
   EXPECT_EQ(SearchSkeletonByName(&scene, ""), nullptr);
-  EXPECT_EQ(SearchSkeletonByName(&scene, nullptr), nullptr);
+  EXPECT_EQ(e3d::GetSceneSkeletonIndex(&scene, &skeletons[3]), 3);
+}
 
-  scene.firstSkeleton = &skeletons[0];
-  skeletons[0].nextSkeleton = nullptr;
-  EXPECT_EQ(SearchSkeletonByName(&scene, ""), nullptr);
+// The chain is exactly these scenes, linked both ways.
+void ExpectChain(std::initializer_list<Scene*> scenes) {
+  EXPECT_EQ(e3d::firstScene, scenes.size() ? *scenes.begin() : nullptr);
+  EXPECT_EQ(e3d::lastScene, scenes.size() ? *(scenes.end() - 1) : nullptr);
+  Scene* prev = nullptr;
+  for (Scene* s : scenes) {
+    EXPECT_EQ(s->prevScene, prev);
+    EXPECT_TRUE(prev == nullptr || prev->nextScene == s);
+    prev = s;
+  }
+  EXPECT_TRUE(prev == nullptr || prev->nextScene == nullptr);
 }
 
 TEST_F(EngineTest, LinkAndUnlinkKeepTheChainConsistent) {
   Scene a{}, b{}, c{}, d{};
-  e3d::LinkScene(&a);
-  EXPECT_EQ(e3d::firstScene, &a);
-  EXPECT_EQ(e3d::lastScene, &a);
-  EXPECT_EQ(a.prevScene, nullptr);
-  EXPECT_EQ(a.nextScene, nullptr);
   b.prevScene = b.nextScene = &d;  // stale links are overwritten
-  e3d::LinkScene(&b);
-  e3d::LinkScene(&c);
-  EXPECT_EQ(e3d::firstScene, &a);
-  EXPECT_EQ(e3d::lastScene, &c);
-  EXPECT_EQ(a.nextScene, &b);
-  EXPECT_EQ(b.prevScene, &a);
-  EXPECT_EQ(b.nextScene, &c);
-  EXPECT_EQ(c.prevScene, &b);
-  EXPECT_EQ(c.nextScene, nullptr);
-
+  for (Scene* s : {&a, &b, &c}) e3d::LinkScene(s);
+  ExpectChain({&a, &b, &c});
   // Not in the chain: nothing changes, even with links that point into it.
   d.prevScene = &a;
   d.nextScene = &c;
   e3d::UnlinkScene(&d);
-  EXPECT_EQ(a.nextScene, &b);
-  EXPECT_EQ(c.prevScene, &b);
-  EXPECT_EQ(d.prevScene, &a);
-
+  ExpectChain({&a, &b, &c});
   // Middle: the neighbours are bridged; the scene keeps its own links.
   e3d::UnlinkScene(&b);
-  EXPECT_EQ(a.nextScene, &c);
-  EXPECT_EQ(c.prevScene, &a);
-  EXPECT_EQ(b.prevScene, &a);
-  EXPECT_EQ(b.nextScene, &c);
-  EXPECT_EQ(e3d::firstScene, &a);
-  EXPECT_EQ(e3d::lastScene, &c);
-
-  // Head: the next scene becomes the head; the unlinked scene's links clear.
-  e3d::LinkScene(&b);  // a, c, b
+  ExpectChain({&a, &c});
+  EXPECT_TRUE(b.prevScene == &a && b.nextScene == &c);
+  // Head, then tail: the unlinked scene's links clear.
+  e3d::LinkScene(&b);
   e3d::UnlinkScene(&a);
-  EXPECT_EQ(e3d::firstScene, &c);
-  EXPECT_EQ(c.prevScene, nullptr);
-  EXPECT_EQ(a.prevScene, nullptr);
-  EXPECT_EQ(a.nextScene, nullptr);
-  EXPECT_EQ(e3d::lastScene, &b);
-
-  // Tail: the previous scene becomes the tail.
+  ExpectChain({&c, &b});
+  EXPECT_TRUE(a.prevScene == nullptr && a.nextScene == nullptr);
   e3d::UnlinkScene(&b);
-  EXPECT_EQ(e3d::lastScene, &c);
-  EXPECT_EQ(c.nextScene, nullptr);
-  EXPECT_EQ(b.prevScene, nullptr);
-  EXPECT_EQ(b.nextScene, nullptr);
-
-  // The only scene, head and tail at once: the chain empties.
+  ExpectChain({&c});
+  EXPECT_TRUE(b.prevScene == nullptr && b.nextScene == nullptr);
+  // The only scene, head and tail at once: the chain empties, and stays so.
   e3d::UnlinkScene(&c);
-  EXPECT_EQ(e3d::firstScene, nullptr);
-  EXPECT_EQ(e3d::lastScene, nullptr);
-  e3d::UnlinkScene(&c);  // an empty chain stays empty
-  EXPECT_EQ(e3d::firstScene, nullptr);
+  e3d::UnlinkScene(&c);
+  ExpectChain({});
   e3d::LinkScene(&a);
-  EXPECT_EQ(e3d::firstScene, &a);
-  EXPECT_EQ(e3d::lastScene, &a);
+  ExpectChain({&a});
 }
 
 TEST_F(EngineTest, StartUpForgetsTheChainAndShutDownIsIdempotent) {
   Scene a{}, b{};
   e3d::LinkScene(&a);
-  // Not started: shut-down does nothing, the chain survives.
-  ReleaseEngine3D();
-  EXPECT_EQ(e3d::firstScene, &a);
-  EXPECT_EQ(e3d::engineInitialised, 0);
-
+  ReleaseEngine3D();  // not started: does nothing, the chain survives
+  ExpectChain({&a});
   const std::size_t before = testhost::LiveBlocks();
+  testhost::SetProcessorType(0xABCD4F63u);
   InitEngine3D();
-  EXPECT_EQ(e3d::engineInitialised, 1);
-  EXPECT_EQ(e3d::firstScene, nullptr);
-  EXPECT_EQ(e3d::lastScene, nullptr);
+  EXPECT_EQ(e3d::processorType, 0x4F63u);  // the low half
+  ExpectChain({});
   EXPECT_GT(testhost::LiveBlocks(), before);  // the render tables
   e3d::LinkScene(&b);
   ReleaseEngine3D();
   EXPECT_EQ(e3d::engineInitialised, 0);
-  EXPECT_EQ(e3d::firstScene, nullptr);
-  EXPECT_EQ(e3d::lastScene, nullptr);
-  EXPECT_EQ(testhost::LiveBlocks(), before);
+  ExpectChain({});
   ReleaseEngine3D();
-  EXPECT_EQ(testhost::LiveBlocks(), before);
-  EXPECT_EQ(testhost::BadFrees(), 0u);
-
   for (int cycle = 0; cycle < 3; ++cycle) {
     InitEngine3D();
     ReleaseEngine3D();
   }
   EXPECT_EQ(testhost::LiveBlocks(), before);
-}
-
-TEST_F(EngineTest, StartUpKeepsTheLowHalfOfTheProcessorType) {
-  testhost::SetProcessorType(0xABCD4F63u);
-  InitEngine3D();
-  EXPECT_EQ(e3d::processorType, 0x4F63u);
-  ReleaseEngine3D();
-  testhost::SetProcessorType(0x0600u);
-  InitEngine3D();
-  EXPECT_EQ(e3d::processorType, 0x0600u);
 }
 
 }  // namespace

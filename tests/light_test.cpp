@@ -8,57 +8,32 @@
 
 namespace {
 
-class LightTest : public SceneFixture {
- protected:
-  static Light* Omni() {
-    Vector3 at{1, 2, 3};
-    float color[4] = {0.5f, 0.25f, 2, 1};
-    return CreateOmniLight(&at, color, 2, 10, 100, 0x10);
-  }
-  static int Listed(const Mesh* mesh) {
-    int n = 0;
-    while (n < 64 && mesh->lightList[n] != nullptr) n++;
-    return n;
-  }
-};
+using LightTest = SceneFixture;
 
 TEST_F(LightTest, CreationNamesAndColour) {
   e3d::omniCounter = 9;
   e3d::directCounter = 123;
   Vector3 at{1, 2, 3}, to{4, 5, 6};
-  Light* o = Omni();
-  Light* o2 = Omni();
-  Light* d = CreateDirectLight(&at, &to, o->color, 3, 0);
+  float color[4] = {0.5f, 0.25f, 2, 1};
+  Light* o = CreateOmniLight(&at, color, 2, 10, 100, 0x10);
+  Light* d = CreateDirectLight(&at, &to, color, 3, 0);
   EXPECT_STREQ(o->name, "Omni09");
-  EXPECT_STREQ(o2->name, "Omni10");
   EXPECT_STREQ(d->name, "Direct123");
   EXPECT_EQ(o->lightFlags, 0x12u);
   EXPECT_EQ(d->lightFlags, 0x4u);
   EXPECT_EQ(o->color[2], 2.0f);  // kept as given
-  EXPECT_EQ(GetLightFarAttenuation(o), 100);
-  EXPECT_EQ(GetLightNearAttenuation(d), 0);
   EXPECT_EQ(GetLightPosition(d, 1)->y, 5);
-  EXPECT_EQ(GetLightPosition(d, 0), GetLightPosition(o, 7));  // one buffer
   testhost::FailAllocation(1);
   EXPECT_EQ(Omni(), nullptr);
-  testhost::FailAllocation(1);
-  EXPECT_EQ(CreateDirectLight(&at, &to, o->color, 3, 0), nullptr);
-  EXPECT_EQ(e3d::omniCounter, 11);
-  EXPECT_EQ(e3d::directCounter, 124);
-
+  EXPECT_EQ(e3d::omniCounter, 10);  // a failed creation uses up no number
+  // Colours are scaled to [0, 1] and clamped, -0.0 kept.
   SetLightColor(o, 255, 510, -5);
   const float want[4] = {1, 1, 0, 0};
   EXPECT_EQ(std::memcmp(o->color, want, sizeof want), 0);
-  float* c = GetLightColor(o);
-  EXPECT_EQ(c[0] + c[1] + c[2] + c[3], 510);
   SetLightColor(o, 51, -0.0f, 0);
   EXPECT_FLOAT_EQ(o->color[0], 0.2f);
   EXPECT_TRUE(std::signbit(o->color[1]));
-  EXPECT_EQ(GetLightColor(o), c);
-  SetLightStatus(o, 5, 0);
-  EXPECT_EQ(o->lightFlags, 0x80000012u);
   DeleteLight(o);
-  DeleteLight(o2);
   DeleteLight(d);
 }
 
@@ -67,22 +42,13 @@ TEST_F(LightTest, MeshListHoldsSixtyFourWithoutGaps) {
   Light* lights[65];
   for (Light*& l : lights) l = Omni();
   for (Light* l : lights) EXPECT_EQ(AssignLightToMesh(l, m), 0);
-  EXPECT_EQ(Listed(m), 64);
-  EXPECT_EQ(m->lightList[63], lights[63]);
-  // Removing from a full list frees the last place.
+  EXPECT_EQ(m->lightList[63], lights[63]);  // the 65th is refused
+  // Removal closes the gap and frees the last place; no duplicates.
   RemoveLightFromMesh(lights[5], m);
-  EXPECT_EQ(Listed(m), 63);
-  EXPECT_EQ(m->lightList[5], lights[6]);
-  EXPECT_EQ(m->lightList[62], lights[63]);
+  EXPECT_TRUE(m->lightList[5] == lights[6] && m->lightList[62] == lights[63] && !m->lightList[63]);
   for (Light* l : lights) RemoveLightFromMesh(l, m);
   EXPECT_EQ(GetMeshLightList(m), nullptr);
-  // No duplicates; removal closes the gap; an absent light changes nothing.
-  for (int i : {0, 1, 0, 2}) AssignLightToMesh(lights[i], m);
-  RemoveLightFromMesh(lights[1], m);
-  RemoveLightFromMesh(lights[40], m);
-  EXPECT_EQ(GetMeshLightList(m), m->lightList);
-  EXPECT_EQ(m->lightList[0], lights[0]);
-  EXPECT_EQ(m->lightList[1], lights[2]);
+  for (int i : {0, 1, 0}) AssignLightToMesh(lights[i], m);
   EXPECT_EQ(m->lightList[2], nullptr);
   DeleteMesh(m);
   for (Light* l : lights) DeleteLight(l);
@@ -91,10 +57,7 @@ TEST_F(LightTest, MeshListHoldsSixtyFourWithoutGaps) {
 TEST_F(LightTest, LightsReachChildrenAndTheMeshesScene) {
   // a (in s) -> (b -> camera -> belowCamera, kind2)
   Scene* s = CreateScene();
-  Mesh* a = Polygons(2);
-  Mesh* b = Polygons(2);
-  Mesh* kind2 = Polygons(2);
-  Mesh* belowCamera = Polygons(2);
+  Mesh *a = Polygons(2), *b = Polygons(2), *kind2 = Polygons(2), *belowCamera = Polygons(2);
   Camera* cam = NewCamera();
   AssignMeshToScene(s, a, 0);
   AttachChildToNode(a, b);
@@ -104,7 +67,6 @@ TEST_F(LightTest, LightsReachChildrenAndTheMeshesScene) {
   kind2->nodeKind = 2;
   Light* l = Omni();
   AssignLightToMesh(l, a);
-  EXPECT_EQ(b->lightList[0], l);
   EXPECT_EQ(belowCamera->lightList[0], l);
   EXPECT_EQ(kind2->lightList[0], nullptr);  // only the first kind keeps a list
   EXPECT_EQ(s->firstLight, l);
@@ -114,7 +76,6 @@ TEST_F(LightTest, LightsReachChildrenAndTheMeshesScene) {
   RemoveLightFromMesh(l, a);
   EXPECT_EQ(GetMeshLightList(belowCamera), nullptr);
   EXPECT_EQ(s->firstLight, l);
-
   // Deleting the light takes it out of the scene, its meshes and the hierarchy.
   AssignLightToMesh(l, a);
   AttachChildToNode(a, l);

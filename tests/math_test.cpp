@@ -22,11 +22,10 @@ int64_t UlpDistance(float a, float b) {
     int32_t i = std::bit_cast<int32_t>(f);
     return i >= 0 ? int64_t{i} : -int64_t{i & 0x7FFFFFFF};
   };
-  int64_t d = ordered(a) - ordered(b);
-  return d < 0 ? -d : d;
+  return std::llabs(ordered(a) - ordered(b));
 }
 
-// Reproducible inputs.
+// Reproducible inputs (the digest below depends on this exact sequence).
 struct Random {
   uint64_t state = 0x9E3779B97F4A7C15u;
   uint32_t Next() {
@@ -46,175 +45,132 @@ struct Random {
   }
 };
 
-float Near(Random& r) { return r.Uniform(-10.0f, 10.0f); }
+// Small, large and arbitrary finite arguments, mixed.
+float Angle(Random& r) {
+  switch (r.Next() % 3) {
+    case 0: return r.Uniform(-10.0f, 10.0f);
+    case 1: return r.Uniform(-20000.0f, 20000.0f);
+    default: return r.AnyFinite();
+  }
+}
 float Far(Random& r) { return r.Uniform(-20000.0f, 20000.0f); }
-float Anywhere(Random& r) { return r.AnyFinite(); }
+float Near(Random& r) { return r.Uniform(-10.0f, 10.0f); }
 float Positive(Random& r) { return std::fabs(r.AnyFinite()); }
-float Unit(Random& r) { return r.Uniform(-1.0f, 1.0f); }
-float NearOne(Random& r) {  // where asin and acos are steepest
+float UnitOrNearOne(Random& r) {  // near +-1 asin and acos are steepest
+  if (r.Next() & 1) return r.Uniform(-1.0f, 1.0f);
   float x = 1.0f - static_cast<float>(r.Next() % 4096) * 0x1p-24f;
   return r.Next() & 1 ? -x : x;
 }
 float ExpRange(Random& r) { return r.Uniform(-104.0f, 89.0f); }
 
-struct Accuracy {
-  const char* name;
-  float (*f)(float);
-  double (*reference)(double);  // rounded once to float: the correctly rounded result
-  float (*input)(Random&);
-};
-
-// At most one ulp off anywhere, and almost always exact.
-void ExpectAccurate(const Accuracy& c, int count) {
-  Random random;
-  int exact = 0;
-  int64_t worst = 0;
-  float worstAt = 0;
-  for (int i = 0; i < count; i++) {
-    float x = c.input(random);
-    int64_t d = UlpDistance(c.f(x), static_cast<float>(c.reference(x)));
-    if (d == 0) exact++;
-    if (d > worst) worst = d, worstAt = x;
-  }
-  EXPECT_LE(worst, 1) << c.name << " at " << worstAt;
-  EXPECT_GE(exact, count - count / 1000) << c.name;
-}
-
-struct Conversion {
-  double in;
-  int32_t out;
-};
-
-TEST(Convert, RoundToEvenAndKeepTheLowHalf) {
-  // Ties to even, not truncated; beyond 32 bits the low half of the 64-bit
-  // integer (never saturated); beyond 64 bits, and NaN, the unit's
-  // 0x8000000000000000, whose low half is 0.
-  const Conversion cases[] = {
-      {2.5, 2}, {3.5, 4}, {-0.5, 0}, {-2.5, -2}, {2.7f, 3}, {-2.7f, -3}, {0.49999997f, 0},
-      {2147483648.0, INT32_MIN}, {4294967297.0, 1}, {-2147483649.0, INT32_MAX},
-      {1e10, 1410065408}, {-1e10, -1410065408}, {4294967295.5, 0}, {8589934591.0, -1},
-      {9223372036854774784.0, -1024}, {9223372036854775808.0, 0}, {1e30, 0}, {HUGE_VAL, 0},
-      {NAN, 0}};
-  for (const Conversion& c : cases) EXPECT_EQ(FloatToInt(c.in), c.out) << c.in;
+TEST(Convert, RoundToEvenAndWrapNotSaturate) {
+  // Ties to even; beyond 32 bits the low half of the 64-bit integer; beyond
+  // 64 bits, and NaN, the unit's 0x8000000000000000, whose low half is 0.
+  const struct { double in; int32_t out; } cases[] = {
+      {2.5, 2}, {3.5, 4}, {-2.5, -2}, {0.49999997f, 0}, {2147483648.0, INT32_MIN},
+      {-2147483649.0, INT32_MAX}, {1e10, 1410065408}, {8589934591.0, -1}, {1e30, 0}, {NAN, 0}};
+  for (const auto& c : cases) EXPECT_EQ(FloatToInt(c.in), c.out) << c.in;
   Random random;
   for (int i = 0; i < 100000; i++) {
     float x = std::ldexp(random.Uniform(-1.0f, 1.0f), static_cast<int>(random.Next() % 64));
     ASSERT_EQ(static_cast<uint32_t>(FloatToInt(x)), static_cast<uint32_t>(std::llrint(x))) << x;
   }
-
   // The 32-bit store gives 0x80000000 for anything out of its range.
-  const Conversion stores[] = {{2.5, 2}, {-3.5, -4}, {2147483647.0, INT32_MAX},
-                               {2147483647.5, INT32_MIN}, {4294967297.0, INT32_MIN}, {NAN, INT32_MIN}};
-  for (const Conversion& c : stores) EXPECT_EQ(FloatToInt32(c.in), c.out) << c.in;
+  EXPECT_EQ(FloatToInt32(-3.5), -4);
+  EXPECT_EQ(FloatToInt32(2147483647.0), INT32_MAX);
+  EXPECT_EQ(FloatToInt32(2147483647.5), INT32_MIN);
+  EXPECT_EQ(FloatToInt32(NAN), INT32_MIN);
   EXPECT_EQ(FloatFloor(-0.5f), -1);
-  EXPECT_EQ(FloatFloor(1.99f), 1);
   EXPECT_EQ(FloatFloor(3e9f), INT32_MIN);
-  EXPECT_EQ(FloatRoundAwayFromZero(1.1f), 2);
-  EXPECT_EQ(FloatRoundAwayFromZero(-1.1f), -2);
   EXPECT_EQ(FloatRoundAwayFromZero(-1e-30f), -1);
+  EXPECT_EQ(FloatRoundAwayFromZero(1.1f), 2);
   EXPECT_EQ(FloatRoundAwayFromZero(3.0f), 3);
 }
 
 TEST(Load, ConstantsAndFloatingPointUnit) {
-  EXPECT_EQ(BitsOf(Pi), 0x40490FDBu);        // 3.14159274
-  EXPECT_EQ(BitsOf(RadToDeg), 0x42652EE1u);  // 57.2957802
-  EXPECT_EQ(BitsOf(DegToRad), 0x3C8EFA35u);  // 0.0174532924
+  EXPECT_EQ(BitsOf(Pi), 0x40490FDBu);
+  EXPECT_EQ(BitsOf(RadToDeg), 0x42652EE1u);
+  EXPECT_EQ(BitsOf(DegToRad), 0x3C8EFA35u);
   uint16_t word = 0;
   __asm__ volatile("fnstcw %0" : "=m"(word));
   EXPECT_EQ(word, 0x037F);
 }
 
 TEST(Elementary, AccurateEverywhere) {
-  const Accuracy cases[] = {
-      {"Sin", Sin, [](double x) { return std::sin(x); }, Near},
-      {"Sin", Sin, [](double x) { return std::sin(x); }, Far},
-      {"Sin", Sin, [](double x) { return std::sin(x); }, Anywhere},
-      {"Cos", Cos, [](double x) { return std::cos(x); }, Far},
-      {"Cos", Cos, [](double x) { return std::cos(x); }, Anywhere},
-      {"Tan", Tan, [](double x) { return std::tan(x); }, Far},
-      {"Tan", Tan, [](double x) { return std::tan(x); }, Anywhere},
-      // The degree forms take x * DegToRad as their angle.
+  // At most one ulp off the correctly rounded result, and almost always exact.
+  const struct {
+    const char* name;
+    float (*f)(float);
+    double (*reference)(double);
+    float (*input)(Random&);
+  } cases[] = {
+      {"Sin", Sin, [](double x) { return std::sin(x); }, Angle},
+      {"Cos", Cos, [](double x) { return std::cos(x); }, Angle},
+      {"Tan", Tan, [](double x) { return std::tan(x); }, Angle},
       {"SinDeg", SinDeg, [](double x) { return std::sin(x * DegToRad); }, Far},
       {"CosDeg", CosDeg, [](double x) { return std::cos(x * DegToRad); }, Far},
       {"TanDeg", TanDeg, [](double x) { return std::tan(x * DegToRad); }, Far},
-      {"Atan", Atan, [](double x) { return std::atan(x); }, Near},
-      {"Atan", Atan, [](double x) { return std::atan(x); }, Anywhere},
+      {"Atan", Atan, [](double x) { return std::atan(x); }, Angle},
       {"AtanDeg", AtanDeg, [](double x) { return std::atan(x) * RadToDeg; }, Near},
-      {"Asin", Asin, [](double x) { return std::asin(x); }, Unit},
-      {"Asin", Asin, [](double x) { return std::asin(x); }, NearOne},
-      {"Acos", Acos, [](double x) { return std::acos(x); }, Unit},
-      {"Acos", Acos, [](double x) { return std::acos(x); }, NearOne},
-      {"AcosDeg", AcosDeg, [](double x) { return std::acos(x) * RadToDeg; }, Unit},
+      {"Asin", Asin, [](double x) { return std::asin(x); }, UnitOrNearOne},
+      {"Acos", Acos, [](double x) { return std::acos(x); }, UnitOrNearOne},
+      {"AcosDeg", AcosDeg, [](double x) { return std::acos(x) * RadToDeg; }, UnitOrNearOne},
       {"Exp", Exp, [](double x) { return std::exp(x); }, ExpRange},
       {"Log", Log, [](double x) { return std::log(x); }, Positive},
       {"Sqrt", Sqrt, [](double x) { return std::sqrt(x); }, Positive},
   };
-  for (const Accuracy& c : cases) ExpectAccurate(c, 40000);
-
-  // Angles that land near multiples of pi/2, where the reduction must be exact.
-  for (float x : {1.5707964f, 3.1415927f, 4.712389f, 355.0f, 103993.0f, 1.0e22f,
-                  3.4028235e38f, 16367173.0f * 0x1p72f}) {
+  const int count = 60000;
+  for (const auto& c : cases) {
+    Random random;
+    int exact = 0;
+    int64_t worst = 0;
+    float worstAt = 0;
+    for (int i = 0; i < count; i++) {
+      float x = c.input(random);
+      int64_t d = UlpDistance(c.f(x), static_cast<float>(c.reference(x)));
+      exact += d == 0;
+      if (d > worst) worst = d, worstAt = x;
+    }
+    EXPECT_LE(worst, 1) << c.name << " at " << worstAt;
+    EXPECT_GE(exact, count - count / 1000) << c.name;
+  }
+  // Angles near multiples of pi/2, where the reduction must be exact.
+  for (float x : {1.5707964f, 3.1415927f, 355.0f, 103993.0f, 1.0e22f, 16367173.0f * 0x1p72f}) {
     EXPECT_LE(UlpDistance(Sin(x), static_cast<float>(std::sin(double{x}))), 1) << x;
     EXPECT_LE(UlpDistance(Cos(x), static_cast<float>(std::cos(double{x}))), 1) << x;
   }
-
-  // Atan2 takes the point's x first.
+  // Atan2 takes the point's x first; Pow over its ordinary range.
   Random random;
   int64_t worst = 0;
   for (int i = 0; i < 40000; i++) {
     float x = std::ldexp(random.Uniform(-1, 1), static_cast<int>(random.Next() % 40) - 20);
     float y = std::ldexp(random.Uniform(-1, 1), static_cast<int>(random.Next() % 40) - 20);
     worst = std::max(worst, UlpDistance(Atan2(x, y), static_cast<float>(std::atan2(y, x))));
+    float b = random.Uniform(0.001f, 1000.0f), e = random.Uniform(-10.0f, 10.0f);
+    worst = std::max(worst, UlpDistance(Pow(b, e), static_cast<float>(std::pow(b, double{e}))));
   }
   EXPECT_LE(worst, 1);
 }
 
-TEST(Elementary, SpecialValues) {
+TEST(Elementary, SpecialValuesAndPowSigns) {
   EXPECT_EQ(BitsOf(Sin(-0.0f)), 0x80000000u);
-  EXPECT_EQ(Sin(1e-30f), 1e-30f);
   EXPECT_TRUE(std::isnan(Sin(INFINITY)));
-  EXPECT_TRUE(std::isnan(Asin(1.5f)));
-  float s, c;
-  SinCos(2.0f, &s, &c);
-  EXPECT_EQ(s, Sin(2.0f));
-  EXPECT_EQ(c, Cos(2.0f));
-
   EXPECT_EQ(Atan2(-1.0f, 0.0f), Pi);
   EXPECT_EQ(Atan2(-1.0f, -0.0f), -Pi);
-  EXPECT_EQ(Atan2(0.0f, -1.0f), static_cast<float>(-M_PI / 2));
-  EXPECT_EQ(Atan2(-INFINITY, INFINITY), static_cast<float>(3 * M_PI / 4));
   EXPECT_EQ(BitsOf(Atan2(0.0f, -0.0f)), 0x80000000u);
   EXPECT_EQ(Atan2(-0.0f, 0.0f), Pi);
-
-  EXPECT_EQ(Exp(1.0f), static_cast<float>(M_E));
-  EXPECT_EQ(Exp(-INFINITY), 0.0f);
   EXPECT_EQ(Exp(100.0f), INFINITY);
   EXPECT_EQ(Log(0.0f), -INFINITY);
-  EXPECT_TRUE(std::isnan(Log(-1.0f)));
-  EXPECT_EQ(InvSqrt(0.0f), INFINITY);
   EXPECT_EQ(Hypot(3e30f, 4e30f), 5e30f);  // no overflow of the squares
-}
 
-TEST(Elementary, PowSignRules) {
-  Random random;
-  int64_t worst = 0;
-  for (int i = 0; i < 40000; i++) {
-    float x = random.Uniform(0.001f, 1000.0f), y = random.Uniform(-10.0f, 10.0f);
-    worst = std::max(worst, UlpDistance(Pow(x, y), static_cast<float>(std::pow(x, double{y}))));
-  }
-  EXPECT_LE(worst, 1);
-
-  EXPECT_EQ(Pow(3.0f, 2.0f), 9.0f);
   EXPECT_EQ(Pow(-2.0f, 3.0f), -8.0f);  // odd: negative
   EXPECT_EQ(Pow(-2.0f, 2.0f), 4.0f);   // even: positive
-  EXPECT_EQ(Pow(-2.0f, -1.0f), -0.5f);
   EXPECT_EQ(Pow(-8.0f, 1.0f / 3.0f), Pow(8.0f, 1.0f / 3.0f));  // |x|^y, not a NaN
-  EXPECT_GT(Pow(-2.0f, 1e10f), 0.0f);
-  EXPECT_EQ(Pow(NAN, 0.0f), 1.0f);  // a +0.0 exponent comes first
+  EXPECT_EQ(Pow(-10.0f, 41.0f), -INFINITY);
+  EXPECT_EQ(Pow(NAN, 0.0f), 1.0f);            // a +0.0 exponent comes first
   EXPECT_TRUE(std::isnan(Pow(0.0f, -0.0f)));  // -0.0 does not: -0 * log2(0)
   EXPECT_EQ(BitsOf(Pow(-0.0f, 3.0f)), 0x80000000u);
   EXPECT_EQ(Pow(0.0f, -2.0f), INFINITY);
-  EXPECT_EQ(Pow(-10.0f, 41.0f), -INFINITY);
 }
 
 // A digest of the functions over fixed inputs: the same on i386 and x86-64.
@@ -235,29 +191,17 @@ TEST(Elementary, SameBitsOnEveryBuild) {
 }
 
 TEST(Vectors, KernelOperations) {
-  Vector3 v = {3, 4, 12}, zero = {0, 0, 0};
-  EXPECT_EQ(VectorLength(&v), 13.0f);
-  EXPECT_EQ(VectorInvLength(&zero), INFINITY);
-  VectorNormalize(&v);
-  EXPECT_FLOAT_EQ(v.z, 12.0f / 13.0f);
+  Vector3 zero = {0, 0, 0}, a = {1, 2, 3}, b = {4, 5, 6}, out;
   VectorNormalize(&zero);  // no guard
   EXPECT_TRUE(std::isnan(zero.x) && std::isnan(zero.y) && std::isnan(zero.z));
-
-  Vector3 a = {1, 2, 3}, b = {4, 5, 6}, out;
   VectorCross(&a, &b, &out);
-  EXPECT_EQ(out.x, -3.0f);
-  EXPECT_EQ(out.y, 6.0f);
-  EXPECT_EQ(out.z, -3.0f);
-  EXPECT_EQ(VectorDot(&a, &b), 32.0f);
-
+  EXPECT_TRUE(out.x == -3 && out.y == 6 && out.z == -3);
   // Signed differences of b over a, each at least the epsilon.
-  Vector3 origin = {0, 0, 0}, eps = {0.0001f, 0.0001f, 0.0001f}, nan = {1, 1, NAN};
-  Vector3 short_ = {1, 1, 0.00005f};
+  Vector3 origin = {0, 0, 0}, eps = {0.0001f, 0.0001f, 0.0001f}, short_ = {1, 1, 0.00005f};
   EXPECT_EQ(VectorExceeds(&a, &b), 1);
   EXPECT_EQ(VectorExceeds(&b, &a), 0);
   EXPECT_EQ(VectorExceeds(&origin, &eps), 1);
   EXPECT_EQ(VectorExceeds(&origin, &short_), 0);
-  EXPECT_EQ(VectorExceeds(&origin, &nan), 0);
 }
 
 constexpr uint32_t kPoison = 0xCDCDCDCDu;
@@ -268,10 +212,7 @@ Matrix34 Poisoned() {
   return m;
 }
 
-bool TranslationUntouched(const Matrix34& m) {
-  return BitsOf(m.m[3]) == kPoison && BitsOf(m.m[7]) == kPoison && BitsOf(m.m[11]) == kPoison;
-}
-
+// p through m; the translation is ignored unless asked for.
 void ExpectPoint(Matrix34 m, Vector3 p, float x, float y, float z, bool withTranslation = false) {
   if (!withTranslation) m.m[3] = m.m[7] = m.m[11] = 0;
   MatrixTransformPoint(&m, &p);
@@ -288,15 +229,10 @@ TEST(Matrices, Builders) {
   Matrix34 m = Poisoned();
   MatrixIdentity(&m);
   ExpectIdentity(m);
-
-  Vector3 quarterX = {90, 0, 0};
-  m = Poisoned();
-  MatrixFromEuler(&m, &quarterX);
-  EXPECT_TRUE(TranslationUntouched(m));
-  ExpectPoint(m, {0, 1, 0}, 0, 0, 1);
+  // Rotations write the 3x3 part only.
   m = Poisoned();
   MatrixRotationX(&m, 90);
-  EXPECT_TRUE(TranslationUntouched(m));
+  EXPECT_TRUE(BitsOf(m.m[3]) == kPoison && BitsOf(m.m[7]) == kPoison && BitsOf(m.m[11]) == kPoison);
   ExpectPoint(m, {0, 1, 0}, 0, 0, 1);
   MatrixRotationY(&m, 90);
   ExpectPoint(m, {0, 0, 1}, 1, 0, 0);
@@ -305,13 +241,12 @@ TEST(Matrices, Builders) {
 
   // Euler angles turn about x first, then y, then z; Multiply3x3(a, b) is b a.
   Vector3 euler = {30, -50, 70};
-  Matrix34 rx, ry, rz, ryx, all = Poisoned();
+  Matrix34 rx, ry, rz, ryx, all;
   MatrixRotationX(&rx, euler.x);
   MatrixRotationY(&ry, euler.y);
   MatrixRotationZ(&rz, euler.z);
   MatrixMultiply3x3(&rx, &ry, &ryx);
   MatrixMultiply3x3(&ryx, &rz, &all);
-  EXPECT_TRUE(TranslationUntouched(all));
   MatrixFromEuler(&m, &euler);
   for (int i : {0, 1, 2, 4, 5, 6, 8, 9, 10}) EXPECT_NEAR(m.m[i], all.m[i], 1e-6f);
 
@@ -321,11 +256,9 @@ TEST(Matrices, Builders) {
     QuaternionToMatrix(&q, &m);
     ExpectIdentity(m);
   }
-  for (float k : {1.0f, 3.0f}) {
-    Quaternion q = {0, 0, k * std::sqrt(0.5f), k * std::sqrt(0.5f)};
-    QuaternionToMatrix(&q, &m);
-    ExpectPoint(m, {1, 0, 0}, 0, 1, 0);
-  }
+  Quaternion q = {0, 0, 3 * std::sqrt(0.5f), 3 * std::sqrt(0.5f)};
+  QuaternionToMatrix(&q, &m);
+  ExpectPoint(m, {1, 0, 0}, 0, 1, 0);
 }
 
 TEST(Matrices, TransformsAndInverses) {
@@ -337,12 +270,9 @@ TEST(Matrices, TransformsAndInverses) {
   MatrixTransformPoint(&m, &p);
   EXPECT_NEAR(p.x, m.m[0] + 2 * m.m[1] + 3 * m.m[2] + 5, 1e-5f);
   MatrixInverseTransformPoint(&m, &p);
-  EXPECT_NEAR(p.x, 1, 1e-5f);
-  EXPECT_NEAR(p.y, 2, 1e-5f);
-  EXPECT_NEAR(p.z, 3, 1e-5f);
   Matrix34 inv;
   MatrixInvertRigid(&m, &inv);
-  MatrixTransformPoint(&m, &p);
+  MatrixTransformPoint(&m, &p);  // back where it was only if the inverse was right
   ExpectPoint(inv, p, 1, 2, 3, true);
 
   // Object to view: the viewer's rotation applied to the object's point
@@ -371,12 +301,8 @@ TEST(Matrices, LookAt) {
   CreateLookAtMatrix(&eye, &target, &m);
   Vector3 r0 = {m.m[0], m.m[1], m.m[2]}, r1 = {m.m[4], m.m[5], m.m[6]};
   Vector3 r2 = {m.m[8], m.m[9], m.m[10]}, d = {4, 3.5f, -8};
-  EXPECT_NEAR(VectorDot(&r0, &r1), 0, 1e-6f);
-  EXPECT_NEAR(VectorDot(&r0, &r2), 0, 1e-6f);
-  EXPECT_NEAR(VectorDot(&r1, &r2), 0, 1e-6f);
-  EXPECT_NEAR(VectorLength(&r0), 1, 1e-6f);
-  EXPECT_NEAR(VectorLength(&r1), 1, 1e-6f);
-  EXPECT_NEAR(VectorDot(&r2, &d), VectorLength(&d), 1e-5f);
+  EXPECT_NEAR(std::fabs(VectorDot(&r0, &r1)) + std::fabs(VectorDot(&r0, &r2)), 0, 2e-6f);
+  EXPECT_NEAR(VectorDot(&r2, &d), VectorLength(&d), 1e-5f);  // unit, towards the eye
   EXPECT_EQ(m.m[1], 0.0f);
   EXPECT_GT(m.m[5], 0.0f);
   EXPECT_EQ(m.m[3] + m.m[7] + m.m[11], 5.0f);

@@ -19,38 +19,34 @@ class SceneOpsTest : public SceneFixture {
   std::vector<Material*> materials;
   std::vector<Light*> lights;
   std::vector<Skeleton*> skeletons;
-  Material source;
+  Material source{};
 
   int Pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); }
   uint32_t Tag() { return uint32_t(Pick(3) == 0); }
   template <class T>
-  T* Any(const std::vector<T*>& v) {
-    return v.empty() ? nullptr : v[size_t(Pick(int(v.size())))];
-  }
+  T* Any(const std::vector<T*>& v) { return v.empty() ? nullptr : v[size_t(Pick(int(v.size())))]; }
   template <class T>
-  static void Drop(std::vector<T*>& v, const T* p) {
-    v.erase(std::remove(v.begin(), v.end(), p), v.end());
-  }
+  static void Drop(std::vector<T*>& v, const T* p) { v.erase(std::remove(v.begin(), v.end(), p), v.end()); }
   template <auto Index, class T>
   Scene* SceneOf(const T* object) const {
     for (Scene* s : scenes)
       if (Index(s, object) >= 0) return s;
     return nullptr;
   }
-
   // Deleting a mesh takes its subtree apart and deletes the untagged meshes in it.
   void ForgetSubtree(Mesh* mesh) {
     Drop(meshes, mesh);
     std::vector<void*> todo(mesh->children, mesh->children + mesh->childCount);
     while (!todo.empty()) {
-      e3d::NodeLinks l = e3d::LinksOf(todo.back());
-      Mesh* node = static_cast<Mesh*>(todo.back());
+      void* node = todo.back();
+      e3d::NodeLinks l = e3d::LinksOf(node);
       todo.pop_back();
       todo.insert(todo.end(), *l.children, *l.children + *l.childCount);
-      if (e3d::NodeIsMesh(*l.kind) && node->hostObject == 0) Drop(meshes, node);
+      Mesh* sub = static_cast<Mesh*>(node);
+      if (e3d::NodeIsMesh(*l.kind) && sub->hostObject == 0) Drop(meshes, sub);
     }
   }
-  void ForgetSceneObjects(Scene* s, bool whole) {
+  void DeleteSceneAndForget(Scene* s, bool whole) {
     for (Mesh* m = s->firstMesh; m != nullptr; m = m->nextInScene)
       if (whole || m->hostObject == 0) ForgetSubtree(m);
     for (Camera* c = s->firstCamera; c != nullptr; c = c->nextCamera)
@@ -60,133 +56,86 @@ class SceneOpsTest : public SceneFixture {
     for (Light* l = s->firstLight; l != nullptr; l = l->nextLight)
       if (whole || l->hostObject == 0) Drop(lights, l);
     Drop(scenes, s);
+    whole ? DeleteWholeScene(s) : DeleteScene(s);
   }
 
-  void MeshStep(Scene* s, Mesh* m, Mesh* m2, Camera* c) {
-    int op = Pick(10);
-    if (op < 2 && meshes.size() < 16) meshes.push_back(Polygons(1 + Pick(9), Tag()));
-    if (m == nullptr) return;
-    bool child = m->parent != nullptr && e3d::NodeIsMesh(e3d::NodeKindOf(m->parent));
-    if (op == 2 && Pick(2) == 0) {
-      ForgetSubtree(m);
-      DeleteMesh(m);
-    } else if ((op == 3 || op == 4) && s != nullptr) {
-      bool free = m->ownerScene == nullptr && !child;
-      EXPECT_EQ(AssignMeshToScene(s, m, uint8_t(Pick(2))), free ? m : nullptr);
-    } else if (op == 5 && s != nullptr) {
-      EXPECT_EQ(RemoveMeshFromScene(s, m, uint8_t(Pick(2))), m->ownerScene == s ? 1 : 0);
-    } else if (op == 6 || op == 7) {
-      bool cycle = false;
-      for (void* p = m; p != nullptr; p = *e3d::LinksOf(p).parent) cycle |= p == m2;
-      EXPECT_EQ(AttachChildToNode(m, m2), cycle ? 0 : 1);
-    } else if (op == 8 && c != nullptr) {
-      EXPECT_EQ(AttachChildToNode(m, c), 1);  // cameras stay leaves here
-    } else if (op == 9 && m->childCount > 0) {
-      void* node = m->children[Pick(m->childCount)];
-      EXPECT_EQ(DetachChildFromNode(m, node), 1);
-      EXPECT_EQ(DetachChildFromNode(m, node), 0);
-    }
-  }
-
-  void CameraStep(Scene* s, Camera* c) {
-    int op = Pick(6);
-    if (op == 0 && cameras.size() < 8) {
-      cameras.push_back(NewCamera());
-      cameras.back()->hostObject = Tag();
-    }
-    if (c == nullptr || s == nullptr) return;
-    int32_t at = e3d::GetSceneCameraIndex(s, c);
-    Camera* active = GetActivedSceneCamera(s);
-    if (op == 1) {
-      Drop(cameras, c);
-      DeleteCamera(c);
-    } else if (op == 2) {
-      EXPECT_EQ(AssignCameraToScene(s, c), SceneOf<e3d::GetSceneCameraIndex>(c) ? 0 : 1);
-    } else if (op == 3) {
-      bool last = at >= 0 && c->nextCamera == nullptr;
-      EXPECT_EQ(RemoveCameraFromScene(s, c), at >= 0 ? 1 : 0);
-      // The active camera stays active, unless the list was emptied.
-      if (last) active = nullptr;
-      EXPECT_TRUE(at < 0 || active == nullptr || active == c || GetActivedSceneCamera(s) == active);
-      EXPECT_TRUE(!last || s->firstCamera == nullptr);
-    } else if (op == 4) {
-      EXPECT_EQ(SetActivedSceneCamera(s, c), at);
-      EXPECT_TRUE(at < 0 || GetActivedSceneCamera(s) == c);
-    } else if (s->firstCamera != nullptr) {
-      Camera* was = SwitchActivedSceneCamera(s);
-      EXPECT_TRUE(active == nullptr || was == active);
-    }
-  }
-
+  // One random operation, its answer checked against the model kept here.
   // Lights and materials are kept in one scene at most, as hosts must.
-  void LightStep(Scene* s, Mesh* m) {
+  void Step() {
+    Scene* s = Any(scenes);
+    Mesh *m = Any(meshes), *m2 = Any(meshes);
+    Camera* c = Any(cameras);
     Light* l = Any(lights);
-    int op = Pick(5);
-    if (op == 0 && lights.size() < 6) {
-      lights.push_back(Omni());
-      lights.back()->hostObject = Tag();
-    }
-    if (l == nullptr) return;
-    Scene* held = SceneOf<e3d::GetSceneLightIndex>(l);
-    if (op == 1) {
-      Drop(lights, l);
-      DeleteLight(l);
-    } else if (op == 2 && s != nullptr && (held == nullptr || held == s)) {
-      EXPECT_EQ(AssignLightToScene(s, l, uint8_t(Pick(2))), held == s ? 0 : 1);
-    } else if (op == 3 && s != nullptr) {
-      EXPECT_EQ(RemoveLightFromScene(s, l), held == s ? 1 : 0);
-    } else if (op == 4 && m != nullptr && (held == nullptr || held == m->ownerScene)) {
-      AssignLightToMesh(l, m);  // brings the light into the mesh's scene
-      EXPECT_TRUE(m->ownerScene == nullptr || SceneOf<e3d::GetSceneLightIndex>(l) == m->ownerScene);
-    }
-  }
-
-  void OtherStep(Scene* s) {
     Material* mat = Any(materials);
     Skeleton* k = Any(skeletons);
+    Scene* held = l ? SceneOf<e3d::GetSceneLightIndex>(l) : nullptr;
     bool listed = mat != nullptr && SceneOf<e3d::GetSceneMaterialIndex>(mat) != nullptr;
-    switch (Pick(8)) {
-      case 0:
-        if (scenes.size() < 4) scenes.push_back(CreateScene());
-        break;
-      case 1:
-        if (s != nullptr && Pick(4) == 0) {
-          bool whole = Pick(2) == 0;
-          ForgetSceneObjects(s, whole);
-          whole ? DeleteWholeScene(s) : DeleteScene(s);
-        }
-        break;
-      case 2:
-        if (materials.size() < 6) {
-          materials.push_back(CreateMaterial(&source));
-          materials.back()->keep = Tag();
-        }
-        break;
-      case 3:
-        if (mat != nullptr && !listed) {
-          Drop(materials, mat);
-          DeleteMaterial(mat);
-        }
-        break;
-      case 4:
-        if (s != nullptr && mat != nullptr) {
-          int32_t here = e3d::GetSceneMaterialIndex(s, mat) >= 0;
-          EXPECT_EQ(listed ? RemoveMaterialFromScene(s, mat) : AssignMaterialToScene(s, mat),
-                    listed ? here : 1);  // never given twice
-        }
-        break;
-      case 5:
-        if (s != nullptr) {
-          int32_t free = SceneOf<e3d::GetSceneSkeletonIndex>(k) == nullptr;
-          EXPECT_EQ(AssignSkeletonToScene(s, k), free);
-        }
-        break;
-      case 6:
-        if (s != nullptr) RemoveSkeletonFromScene(s, k);
-        break;
-      case 7:
-        if (s != nullptr) SetSceneViewport(s, nullptr);
-        break;
+    int32_t at = s && c ? e3d::GetSceneCameraIndex(s, c) : -1;
+    Camera* active = s ? GetActivedSceneCamera(s) : nullptr;
+    switch (Pick(26)) {
+      case 0: if (meshes.size() < 16) meshes.push_back(Polygons(1 + Pick(9), Tag())); break;
+      case 1: if (m && Pick(2)) { ForgetSubtree(m); DeleteMesh(m); } break;
+      case 2: case 3: if (m && s) {
+        bool child = m->parent != nullptr && e3d::NodeIsMesh(e3d::NodeKindOf(m->parent));
+        EXPECT_EQ(AssignMeshToScene(s, m, uint8_t(Pick(2))), m->ownerScene || child ? nullptr : m);
+      } break;
+      case 4: if (m && s) {
+        EXPECT_EQ(RemoveMeshFromScene(s, m, uint8_t(Pick(2))), m->ownerScene == s ? 1 : 0);
+      } break;
+      case 5: case 6: if (m) {
+        bool cycle = false;
+        for (void* p = m; p != nullptr; p = *e3d::LinksOf(p).parent) cycle |= p == m2;
+        EXPECT_EQ(AttachChildToNode(m, m2), cycle ? 0 : 1);
+      } break;
+      case 7: if (m && c) { EXPECT_EQ(AttachChildToNode(m, c), 1); } break;  // cameras stay leaves
+      case 8: if (m && m->childCount > 0) {
+        void* node = m->children[Pick(m->childCount)];
+        EXPECT_EQ(DetachChildFromNode(m, node), 1);
+        EXPECT_EQ(DetachChildFromNode(m, node), 0);
+      } break;
+      case 9: if (cameras.size() < 8) (cameras.emplace_back(NewCamera()))->hostObject = Tag(); break;
+      case 10: if (c && s) { Drop(cameras, c); DeleteCamera(c); } break;
+      case 11: if (c && s) {
+        EXPECT_EQ(AssignCameraToScene(s, c), SceneOf<e3d::GetSceneCameraIndex>(c) ? 0 : 1);
+      } break;
+      case 12: if (c && s) {
+        bool last = at >= 0 && c->nextCamera == nullptr;
+        EXPECT_EQ(RemoveCameraFromScene(s, c), at >= 0 ? 1 : 0);
+        // The active camera stays active, unless the list was emptied.
+        EXPECT_TRUE(at < 0 || last || active == nullptr || active == c || GetActivedSceneCamera(s) == active);
+        EXPECT_TRUE(!last || s->firstCamera == nullptr);
+      } break;
+      case 13: if (c && s) {
+        EXPECT_EQ(SetActivedSceneCamera(s, c), at);
+        EXPECT_TRUE(at < 0 || GetActivedSceneCamera(s) == c);
+      } break;
+      case 14: if (s && s->firstCamera) {
+        Camera* was = SwitchActivedSceneCamera(s);
+        EXPECT_TRUE(active == nullptr || was == active);
+      } break;
+      case 15: if (lights.size() < 6) (lights.emplace_back(Omni()))->hostObject = Tag(); break;
+      case 16: if (l) { Drop(lights, l); DeleteLight(l); } break;
+      case 17: if (l && s && (held == nullptr || held == s)) {
+        EXPECT_EQ(AssignLightToScene(s, l, uint8_t(Pick(2))), held == s ? 0 : 1);
+      } break;
+      case 24: if (l && s) { EXPECT_EQ(RemoveLightFromScene(s, l), held == s ? 1 : 0); } break;
+      case 18: if (l && m && (held == nullptr || held == m->ownerScene)) {
+        AssignLightToMesh(l, m);  // brings the light into the mesh's scene
+        EXPECT_TRUE(m->ownerScene == nullptr || SceneOf<e3d::GetSceneLightIndex>(l) == m->ownerScene);
+      } break;
+      case 19: if (scenes.size() < 4) scenes.push_back(CreateScene()); break;
+      case 20: if (s && Pick(4) == 0) DeleteSceneAndForget(s, Pick(2)); break;
+      case 21: if (materials.size() < 6) (materials.emplace_back(CreateMaterial(&source)))->keep = Tag(); break;
+      case 25: if (mat && !listed) { Drop(materials, mat); DeleteMaterial(mat); } break;
+      case 22: if (s && mat) {  // never given twice
+        int32_t want = listed ? e3d::GetSceneMaterialIndex(s, mat) >= 0 : 1;
+        EXPECT_EQ(listed ? RemoveMaterialFromScene(s, mat) : AssignMaterialToScene(s, mat), want);
+      } break;
+      case 23: if (s && Pick(2)) {
+        EXPECT_EQ(AssignSkeletonToScene(s, k), !SceneOf<e3d::GetSceneSkeletonIndex>(k));
+      } else if (s) {
+        RemoveSkeletonFromScene(s, k);
+      } break;
     }
   }
 
@@ -209,25 +158,12 @@ class SceneOpsTest : public SceneFixture {
 };
 
 TEST_F(SceneOpsTest, RandomOperationsKeepEveryListAndAreaInStep) {
-  std::memset(&source, 0, sizeof source);
   for (int i = 0; i < 3; i++) skeletons.push_back(CreateSkeleton());
   for (int step = 0; step < 4000 && !HasFailure(); step++) {
-    Scene* s = Any(scenes);
-    Mesh* m = Any(meshes);
-    Camera* c = Any(cameras);
-    switch (Pick(5)) {
-      case 0: CameraStep(s, c); break;
-      case 1: LightStep(s, m); break;
-      case 2: OtherStep(s); break;
-      default: MeshStep(s, m, Any(meshes), c); break;
-    }
+    Step();
     ExpectAllConsistent();
   }
-  while (!scenes.empty()) {
-    Scene* s = scenes.back();
-    ForgetSceneObjects(s, true);
-    DeleteWholeScene(s);
-  }
+  while (!scenes.empty()) DeleteSceneAndForget(scenes.back(), true);
   while (!meshes.empty()) {
     Mesh* m = meshes.back();
     ForgetSubtree(m);

@@ -22,16 +22,11 @@ class SkeletonTest : public SceneFixture {
 };
 
 TEST_F(SkeletonTest, NamesAreUniqueAndSearchedDepthFirst) {
+  Scene* s = CreateScene();
   Skeleton* sk = CreateSkeleton();
-  Bone* root = Named("root");
-  Bone* arm = Named("arm");
-  Bone* hand = Named("hand");
-  Bone* leg = Named("leg");
-  Bone* dup = Named("hand");
-  Bone* anon1 = CreateBone();
-  Bone* anon2 = CreateBone();
+  Bone *root = Named("root"), *arm = Named("arm"), *hand = Named("hand"), *leg = Named("leg");
+  Bone *dup = Named("hand"), *anon1 = CreateBone(), *anon2 = CreateBone();
   EXPECT_EQ(AttachBoneToSkeleton(sk, "root", arm), 0);  // no root yet
-  EXPECT_EQ(GetSkeletonBoneByName(sk, "root"), nullptr);
   EXPECT_EQ(AttachBoneToSkeleton(sk, nullptr, root), 1);
   EXPECT_EQ(AttachBoneToSkeleton(sk, "root", arm), 1);
   EXPECT_EQ(AttachBoneToSkeleton(sk, "arm", hand), 1);
@@ -40,56 +35,38 @@ TEST_F(SkeletonTest, NamesAreUniqueAndSearchedDepthFirst) {
   EXPECT_EQ(AttachBoneToSkeleton(sk, "tail", anon1), 0);  // no such parent
   EXPECT_EQ(AttachBoneToSkeleton(sk, "hand", anon1), 1);
   EXPECT_EQ(AttachBoneToSkeleton(sk, "hand", anon2), 1);  // empty names never clash
-  ASSERT_EQ(root->childCount, 2);
-  EXPECT_EQ(root->children[1], leg);
-  EXPECT_EQ(hand->childCount, 2);
-  EXPECT_EQ(leg->childCount, 0);
+  EXPECT_TRUE(root->childCount == 2 && root->children[1] == leg && hand->childCount == 2);
   EXPECT_EQ(GetSkeletonBoneByName(sk, "leg"), leg);
   EXPECT_EQ(GetSkeletonBoneByName(sk, "Hand"), nullptr);
   EXPECT_EQ(GetSkeletonBoneByName(sk, ""), nullptr);
   EXPECT_EQ(GetRootBone(anon2), root);
+  // Only a root finds its skeleton.
+  Skeleton* first = CreateSkeleton();
+  AssignSkeletonToScene(s, first);
+  AssignSkeletonToScene(s, sk);
+  EXPECT_EQ(GetSkeletonByBone(s, root), sk);
+  EXPECT_EQ(GetSkeletonByBone(s, arm), nullptr);
 
   // A new root replaces the tree; the old bones are no longer reached.
   Bone* other = Named("other");
   EXPECT_EQ(AttachBoneToSkeleton(sk, nullptr, other), 1);
-  EXPECT_EQ(sk->rootAttachCount, 2);
   EXPECT_EQ(GetSkeletonBoneByName(sk, "hand"), nullptr);
   // Short of memory for the children array: refused, nothing changed.
   testhost::FailAllocation(1);
   EXPECT_EQ(AttachBoneToSkeleton(sk, "other", dup), 0);
   EXPECT_EQ(other->childCount + (dup->parent != nullptr), 0);
-  DeleteSkeleton(sk);
+  DeleteSkeleton(sk);  // out of its scene: the tail's removal empties the list
+  EXPECT_EQ(s->firstSkeleton, nullptr);
+  DeleteSkeleton(first);
+  DeleteScene(s);
   for (Bone* b : {root, arm, hand, leg, dup, anon1, anon2, other}) Free(b);
 }
 
-TEST_F(SkeletonTest, OnlyARootFindsItsSkeleton) {
-  Scene* s = CreateScene();
-  Skeleton* first = CreateSkeleton();
-  Skeleton* second = CreateSkeleton();
-  Bone* root = Named("root");
-  Bone* child = Named("child");
-  AttachBoneToSkeleton(second, nullptr, root);
-  AttachBoneToSkeleton(second, "root", child);
-  AssignSkeletonToScene(s, first);
-  AssignSkeletonToScene(s, second);
-  EXPECT_EQ(GetSkeletonByBone(s, root), second);
-  EXPECT_EQ(GetSkeletonByBone(s, child), nullptr);
-  // Deleting takes the skeleton out of its scene; the bones stay.
-  DeleteSkeleton(second);
-  EXPECT_EQ(s->firstSkeleton, nullptr);  // the tail's removal empties the list
-  EXPECT_EQ(GetRootBone(child), root);
-  DeleteSkeleton(first);
-  DeleteScene(s);
-  Free(root);
-  Free(child);
-}
-
-TEST_F(SkeletonTest, BoneMatricesNamesAndSkins) {
+TEST_F(SkeletonTest, BoneMatricesAndSkins) {
   static const float id[12] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0};
   Bone* b = CreateBone();
   Vector3 at{1, 2, 3};
   SetBonePosition(b, &at, 0);
-  EXPECT_EQ(b->matrixB.m[7], 2);
   Quaternion zero{0, 0, 0, 0}, half{0, 0, 2, 0};  // half a turn about z, length 2
   SetBoneOrientation(b, &zero, 0);
   EXPECT_EQ(std::memcmp(b->matrixB.m, id, sizeof id), 0);  // position cleared too
@@ -97,10 +74,6 @@ TEST_F(SkeletonTest, BoneMatricesNamesAndSkins) {
   SetBoneOrientation(b, &half, 1);
   const float turned[12] = {-1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1, 0};
   EXPECT_EQ(std::memcmp(b->matrixA.m, turned, sizeof turned), 0);
-  const char* n31 = "abcdefghijklmnopqrstuvwxyz01234";
-  SetBoneName(b, n31);
-  SetBoneName(b, "abcdefghijklmnopqrstuvwxyz012345");
-  EXPECT_STREQ(b->name, n31);
   Free(b);
 
   Mesh* m = Polygons(3);
@@ -111,15 +84,8 @@ TEST_F(SkeletonTest, BoneMatricesNamesAndSkins) {
   testhost::FailAllocation(1);
   EXPECT_EQ(AssignSkinToMesh(m), 0);
   EXPECT_EQ(m->skinTable, table);
-  RemoveSkinFromMesh(m);
-  EXPECT_EQ(m->skinTable, nullptr);
-  AssignSkinToMesh(m);
   AssignSkinToMesh(m);  // the old table is freed, the new one with the mesh
   DeleteMesh(m);
-  testhost::FailAllocation(1);
-  EXPECT_EQ(CreateSkeleton(), nullptr);
-  testhost::FailAllocation(1);
-  EXPECT_EQ(CreateBone(), nullptr);
 }
 
 }  // namespace

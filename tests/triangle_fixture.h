@@ -58,12 +58,17 @@ class TriangleTest : public testhost::LeakCheckedTest {
     for (uint16_t& p : pixels_) p = kGuard;
     for (uint32_t& d : depth_) d = kGuard;
     Clear(0, 0xFFFFFFFF);
-    face_ = {};
     face_.vertexIndex[1] = 1, face_.vertexIndex[2] = 2;
     face_.material = &front_, face_.backMaterial = &back_;
   }
   void TearDown() override {
-    EXPECT_TRUE(GuardsIntact());
+    bool intact = true;
+    for (int i = 0; i < kPitch * (kH + 4); ++i)
+      intact &=
+          pixels_[i] == kGuard || (i >= 2 * kPitch && i < (kH + 2) * kPitch && i % kPitch < kW);
+    for (int i = 0; i < kW; ++i)
+      intact &= depth_[i] == kGuard && depth_[(kH + 1) * kW + i] == kGuard;
+    EXPECT_TRUE(intact) << "written outside the viewport";
     vp_->depthBuffer = ownDepth_;
     DeleteViewport(vp_);
     ReleaseRenderTables();
@@ -76,19 +81,9 @@ class TriangleTest : public testhost::LeakCheckedTest {
     for (int y = 0; y < kH; ++y)
       for (int x = 0; x < kW; ++x) Pixel(x, y) = pixel, Depth(x, y) = depth;
   }
-  bool GuardsIntact() {
-    for (int i = 0; i < kPitch * (kH + 4); ++i)
-      if ((i < 2 * kPitch || i >= (kH + 2) * kPitch || i % kPitch >= kW) && pixels_[i] != kGuard)
-        return false;
-    for (int i = 0; i < kW; ++i)
-      if (depth_[i] != kGuard || depth_[(kH + 1) * kW + i] != kGuard) return false;
-    return true;
-  }
-
   void Corners(float x0, float y0, float x1, float y1, float x2, float y2, float z = 4.0f) {
-    const float xy[3][2] = {{x0, y0}, {x1, y1}, {x2, y2}};
-    for (int i = 0; i < 3; ++i)
-      v_[i] = {}, v_[i].screenX = xy[i][0], v_[i].screenY = xy[i][1], v_[i].invZ = 1 / z;
+    const float xy[6] = {x0, y0, x1, y1, x2, y2};
+    for (int i = 0; i < 3; ++i) v_[i] = {0, 0, 0, 0, 0, 0, xy[2 * i], xy[2 * i + 1], 1 / z, 0};
   }
   void SetBack(bool back) { face_.polygonFlags = back ? 0x80u : 0u; }
   void Draw(TriangleDrawer drawer) { drawer(&face_, v_); }
@@ -96,18 +91,16 @@ class TriangleTest : public testhost::LeakCheckedTest {
   // Corners anywhere in the viewport, often on whole pixels or the 28.4
   // grid, often sharing a coordinate so that edges run flat or upright.
   void RandomCorners() {
-    for (MeshVertex& v : v_) {
-      float xy[2];
-      for (int c = 0; c < 2; ++c) {
-        const unsigned limit = c ? kH : kW, r = rng_() % 3;
-        xy[c] = r == 0   ? rng_() % (limit + 1)
-                : r == 1 ? (rng_() % (limit * 16 + 1)) / 16.0f
-                         : std::uniform_real_distribution<float>(0.0f, limit)(rng_);
-      }
-      v = {}, v.screenX = xy[0], v.screenY = xy[1], v.invZ = 0.25f;
+    float c[6];
+    for (int i = 0; i < 6; ++i) {
+      const unsigned limit = i % 2 ? kH : kW, r = rng_() % 3;
+      c[i] = r == 0   ? rng_() % (limit + 1)
+             : r == 1 ? (rng_() % (limit * 16 + 1)) / 16.0f
+                      : limit * (rng_() % 100000) / 100000.0f;
     }
-    if (rng_() % 4 == 0) v_[rng_() % 3].screenY = v_[rng_() % 3].screenY;
-    if (rng_() % 8 == 0) v_[rng_() % 3].screenX = v_[rng_() % 3].screenX;
+    if (rng_() % 4 == 0) c[2 * (rng_() % 3) + 1] = c[2 * (rng_() % 3) + 1];
+    if (rng_() % 8 == 0) c[2 * (rng_() % 3)] = c[2 * (rng_() % 3)];
+    Corners(c[0], c[1], c[2], c[3], c[4], c[5]);
     SetBack(rng_() % 2);
   }
 
@@ -115,7 +108,7 @@ class TriangleTest : public testhost::LeakCheckedTest {
   uint32_t depth_[kW * (kH + 2)];
   uint32_t* ownDepth_ = nullptr;
   Viewport* vp_ = nullptr;
-  MeshPolygon face_;
+  MeshPolygon face_{};
   MeshVertex v_[3];
   Material front_{}, back_{};
   std::mt19937 rng_{12345};
