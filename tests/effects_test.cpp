@@ -62,12 +62,6 @@ TEST(Blur, ThreeTapsOneRowUp) {
     EXPECT_TRUE(im.GuardsIntact());
   }
 
-  // A white image darkens one step; borders stay.
-  std::vector<uint16_t> white(5 * 4, 0x7FFF);
-  FSBlur(white.data(), 5, 4);
-  EXPECT_EQ(white[5 + 3], 0x7BDE);
-  EXPECT_EQ(white[2 * 5 + 2], 0x7FFF);
-
   for (auto [w, h] : {std::pair{2, 6}, {6, 2}, {0, 0}, {1, 9}, {-3, 5}}) {
     Image small(w > 0 ? w : 0, h, 3);
     FSBlur(small.pixels(), w, h);
@@ -119,13 +113,6 @@ TEST(Blur, FastBlurFiveTapsOneRowUp) {
     }
     EXPECT_TRUE(im.GuardsIntact());
   }
-
-  // White stays white inside (the kept low bits); the first word, summed
-  // unmasked, costs its first pixel a step of blue.
-  std::vector<uint16_t> white(8 * 3, 0x7FFF);
-  FSBlurFast(white.data(), 8, 3);
-  EXPECT_EQ(white[2] & white[1], 0x7FFF);
-  EXPECT_EQ(white[0], 0x7FFE);
 
   // Odd, narrow or one-row images are left alone.
   for (auto [w, h] : {std::pair{7, 4}, {2, 4}, {3, 4}, {0, 4}, {8, 1}, {-4, 4}}) {
@@ -226,7 +213,6 @@ TEST_F(PostFX, DrawsInTheMaterialsAlphaMode) {
       {1, 0, Rgb(25, 31, 23)},
       // ((255 - 64) * d + 64 * s) >> 8
       {2, 64, Rgb((191 * 5 + 64 * 20) >> 8, (191 * 25 + 64 * 20) >> 8, (191 * 3 + 64 * 20) >> 8)},
-      {2, 0, kBackdrop},
       {3, 0, Rgb(16, 0, 17)},  // one packed subtraction: red and green lose their lowest bit
   };
   for (const auto& c : cases) {

@@ -101,7 +101,6 @@ TEST_F(SceneTest, TheActiveCameraSurvivesRemovalsAndSwitches) {
   // removed before it: the index follows the active camera down.
   SetActivedSceneCamera(s, b);
   EXPECT_EQ(RemoveCameraFromScene(s, b), 1);
-  EXPECT_EQ(RemoveCameraFromScene(s, b), 0);
   EXPECT_EQ(GetActivedSceneCamera(s), c);
   RemoveCameraFromScene(s, a);
   EXPECT_TRUE(s->firstCamera == c && s->activeCameraIndex == 0);
