@@ -78,8 +78,7 @@ class TriangleTest : public testhost::LeakCheckedTest {
   uint16_t& Pixel(int x, int y) { return pixels_[(y + 2) * kPitch + x]; }
   uint32_t& Depth(int x, int y) { return depth_[(y + 1) * kW + x]; }
   void Clear(uint16_t pixel, uint32_t depth) {
-    for (int y = 0; y < kH; ++y)
-      for (int x = 0; x < kW; ++x) Pixel(x, y) = pixel, Depth(x, y) = depth;
+    for (int i = 0; i < kW * kH; ++i) Pixel(i % kW, i / kW) = pixel, Depth(i % kW, i / kW) = depth;
   }
   void Corners(float x0, float y0, float x1, float y1, float x2, float y2, float z = 4.0f) {
     const float xy[6] = {x0, y0, x1, y1, x2, y2};
