@@ -820,4 +820,14 @@ E3D_API void E3D_CALL DrawViewportPostFX(Viewport* vp);
 E3D_API void E3D_CALL DrawTriangle2D(MeshPolygon* face, MeshVertex* vertices, Viewport* vp);
 /* ---- clipping: end ---- */
 
+/* ---- drawing: begin ---- */
+/* Draws the scene into its viewport through its active camera: the painter
+   path without a depth buffer, the depth-buffer path with one. Does nothing
+   when the scene, its viewport or its camera is not ready. */
+E3D_API void E3D_CALL DrawScene(Scene* scene);
+/* Draws an activated mesh and its children, outside any scene, into the
+   mesh's viewport through that viewport's camera. */
+E3D_API void E3D_CALL DrawMesh(Mesh* mesh);
+/* ---- drawing: end ---- */
+
 #endif /* ENGINE3D_H */
