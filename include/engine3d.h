@@ -790,6 +790,83 @@ E3D_API void E3D_CALL FlatSolidTriangleZ(MeshPolygon* face, MeshVertex* vertices
 E3D_API void E3D_CALL GouraudSolidTriangle(MeshPolygon* face, MeshVertex* vertices);
 /* GouraudSolidTriangle with the depth test. */
 E3D_API void E3D_CALL GouraudSolidTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/*
+** Textured drawers read the texture of one stage of the material: the
+** level chosen by polygon submission (level 0 when called directly), its
+** texel coordinates in the corners' u, v as texels of that level over z.
+** Stage option bit 0: 8888 texels, else 1555; bit 1: the key texel (0x8000,
+** 0xFF000000) leaves the pixel alone; bit 2: bilinear, else nearest. Mode
+** 0x10 wraps, 0x20 clamps; with neither, power-of-two levels wrap.
+*/
+/* Draws the stage 0 texel. */
+E3D_API void E3D_CALL NoneDiffuseTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* NoneDiffuseTriangle with the depth test. */
+E3D_API void E3D_CALL NoneDiffuseTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Draws the stage 0 texel modulated by the flat colour (colors[0]); with the
+   material's colour operation on, colorOp 1 adds, 2 subtracts it, 3 ignores it. */
+E3D_API void E3D_CALL FlatDiffuseTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* FlatDiffuseTriangle with the depth test. */
+E3D_API void E3D_CALL FlatDiffuseTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* As FlatDiffuseTriangle with the corner colours (colors[0-2], 0x00RRGGBB)
+   blended across the face. */
+E3D_API void E3D_CALL GouraudDiffuseTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* GouraudDiffuseTriangle with the depth test. */
+E3D_API void E3D_CALL GouraudDiffuseTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Draws the stage 1 texel with its alpha (8888) or intensity (1555) as
+   coverage: the pixel becomes d + (texel - d) x a / 255. */
+E3D_API void E3D_CALL NoneOpacityTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* NoneOpacityTriangle with the depth test. */
+E3D_API void E3D_CALL NoneOpacityTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* NoneOpacityTriangle with the texel met with the flat colour as in
+   FlatDiffuseTriangle. */
+E3D_API void E3D_CALL FlatOpacityTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* FlatOpacityTriangle with the depth test. */
+E3D_API void E3D_CALL FlatOpacityTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* NoneOpacityTriangle with the texel met with the corner colours. */
+E3D_API void E3D_CALL GouraudOpacityTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* GouraudOpacityTriangle with the depth test. */
+E3D_API void E3D_CALL GouraudOpacityTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Adds the stage 2 (environment) texel to the flat colour, saturating. */
+E3D_API void E3D_CALL NoneEnvironmentTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* NoneEnvironmentTriangle with the depth test. */
+E3D_API void E3D_CALL NoneEnvironmentTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Adds the stage 2 texel to the flat colour, saturating (the lit colour of a
+   flat-shaded face). */
+E3D_API void E3D_CALL FlatEnvironmentTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* FlatEnvironmentTriangle with the depth test. */
+E3D_API void E3D_CALL FlatEnvironmentTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Adds the stage 2 texel to the corner colours blended across the face. */
+E3D_API void E3D_CALL GouraudEnvironmentTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* GouraudEnvironmentTriangle with the depth test. */
+E3D_API void E3D_CALL GouraudEnvironmentTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/*
+** Dot and wire drawers take the face untouched with the mesh's vertices and
+** clip for themselves: edges are cut at the near plane of the camera given
+** to SetRenderInfos (without one, edges reaching past it are dropped), and
+** pixels outside the viewport's clip rectangle are skipped. Wire drawers
+** draw the edges whose visibility bit is set (polygon flag bit 9 + k: corner
+** k to corner k + 1), so quads show no diagonal.
+*/
+/* Draws each visible corner as one pixel of the flat colour (colors[0]). */
+E3D_API void E3D_CALL ClipAndDrawFlatDotsTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* ClipAndDrawFlatDotsTriangle with the depth test. */
+E3D_API void E3D_CALL ClipAndDrawFlatDotsTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Draws each visible corner as one pixel of its own colour (colors[k]). */
+E3D_API void E3D_CALL ClipAndDrawGouraudDotsTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* ClipAndDrawGouraudDotsTriangle with the depth test. */
+E3D_API void E3D_CALL ClipAndDrawGouraudDotsTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Draws the visible edges one pixel wide in the flat colour. */
+E3D_API void E3D_CALL ClipAndDrawFlatWireTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* ClipAndDrawFlatWireTriangle with the depth test (1/z along each edge). */
+E3D_API void E3D_CALL ClipAndDrawFlatWireTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Draws the visible edges with the corner colours blended along them. */
+E3D_API void E3D_CALL ClipAndDrawGouraudWireTriangle(MeshPolygon* face, MeshVertex* vertices);
+/* ClipAndDrawGouraudWireTriangle with the depth test. */
+E3D_API void E3D_CALL ClipAndDrawGouraudWireTriangleZ(MeshPolygon* face, MeshVertex* vertices);
+/* Draws a line from (x0, y0) to (x1, y1), in pixels, in colour 0x00RRGGBB,
+   clipped to vp's clip rectangle. Style 0 (and any unknown style): one pixel
+   wide, both end pixels exact; 1: anti-aliased, blended; 2: anti-aliased, added. */
+E3D_API void E3D_CALL DrawLine2D(Viewport* vp, float x0, float y0, float x1, float y1, uint32_t color, int32_t style);
 /* ---- drawers: end ---- */
 
 /* ======================================================================
@@ -808,9 +885,10 @@ E3D_API void E3D_CALL FSBlur(uint16_t* pixels, int32_t width, int32_t height);
    height under 2 leaves the image untouched. */
 E3D_API void E3D_CALL FSBlurFast(uint16_t* pixels, int32_t width, int32_t height);
 /* Covers the viewport's clip rectangle with its post-effect material: the sum
-   of the three colours, in the material's alpha mode, depth-tested at 1/z 0.2
-   when the viewport has a depth buffer. Leaves vp as the render viewport.
-   Without a material nothing happens. */
+   of the three colours, or the texture of its active stage stretched over the
+   viewport, in the material's alpha mode, depth-tested at 1/z 0.2 when the
+   viewport has a depth buffer. Leaves vp as the render viewport. Without a
+   material nothing happens. */
 E3D_API void E3D_CALL DrawViewportPostFX(Viewport* vp);
 /* ---- effects: end ---- */
 

@@ -75,6 +75,15 @@ void DrawClipFan(const MeshPolygon* face, TriangleDrawer drawer);
 // twice the screen area (4 gives 0, 8 gives 1, 12 gives 2), clamped to 0..3.
 int32_t MipLevel(float texelArea, float screenArea);
 
+// The mip level that submission chose for the triangle now being drawn,
+// for the textured drawers; 0 whenever no submission is under way, so a
+// drawer called on its own reads level 0.
+extern int32_t textureLevel;
+
+// Submission of one face whose vertices' outcodes are set against the clip
+// window (the direct entry without its polygon record).
+void SubmitFace(MeshPolygon* face, MeshVertex* vertices, uint32_t renderWord, TriangleDrawer drawer);
+
 // Submission entries for a polygon record and its drawer. The clipping
 // entry also cuts at the near or far plane of the render camera.
 void SubmitPolygon(const PolygonRecord* entry, TriangleDrawer drawer);

@@ -16,6 +16,8 @@ int32_t MipLevel(float texelArea, float screenArea) {
   return level < 0 ? 0 : level > 3 ? 3 : level;
 }
 
+int32_t textureLevel = 0;
+
 namespace {
 
 constexpr uint32_t kFilledMask = 0x00700000;  // all three: filled, not dots or wire
@@ -96,6 +98,7 @@ void PlaceTexels(const MeshPolygon* face, const TextureStage* stage, bool cut) {
                                });
     level = MipLevel(texels, screen);
   }
+  textureLevel = level;
   const float w = static_cast<float>(stage->levelWidths[level] - 1);
   const float h = static_cast<float>(stage->levelHeights[level] - 1);
   for (int32_t i = 0; i < p.count; ++i) {
@@ -124,10 +127,9 @@ void DrawLoaded(MeshPolygon* face, MeshVertex* vertices, uint32_t outcodes, Tria
 
 // Dots and wire drawers clip for themselves; a triangle wholly beyond one
 // plane is dropped. False when the entry is done with it.
-bool PassesTrivialTests(const PolygonRecord* entry, TriangleDrawer drawer, uint32_t* outcodes) {
-  MeshPolygon* face = entry->polygon;
-  MeshVertex* vertices = entry->mesh->vertices;
-  if ((entry->renderFlags & kFilledMask) != kFilledMask) {
+bool PassesTrivialTests(MeshPolygon* face, MeshVertex* vertices, uint32_t renderWord,
+                        TriangleDrawer drawer, uint32_t* outcodes) {
+  if ((renderWord & kFilledMask) != kFilledMask) {
     drawer(face, vertices);
     return false;
   }
@@ -138,29 +140,35 @@ bool PassesTrivialTests(const PolygonRecord* entry, TriangleDrawer drawer, uint3
   return (a & b & c) == 0;
 }
 
-void SubmitInside(const PolygonRecord* entry, TriangleDrawer drawer, uint32_t outcodes) {
-  MeshPolygon* face = entry->polygon;
-  MeshVertex* vertices = entry->mesh->vertices;
+void SubmitInside(MeshPolygon* face, MeshVertex* vertices, uint32_t renderWord, TriangleDrawer drawer,
+                  uint32_t outcodes) {
   clipViewport = renderInfo.viewport;
-  const TextureStage* stage = LoadFace(face, vertices, entry->renderFlags);
+  const TextureStage* stage = LoadFace(face, vertices, renderWord);
   if (stage != nullptr) PlaceTexels(face, stage, false);
   DrawLoaded(face, vertices, outcodes, drawer);
+  textureLevel = 0;
 }
 
 }  // namespace
 
-void SubmitPolygon(const PolygonRecord* entry, TriangleDrawer drawer) {
+void SubmitFace(MeshPolygon* face, MeshVertex* vertices, uint32_t renderWord, TriangleDrawer drawer) {
   uint32_t outcodes;
-  if (PassesTrivialTests(entry, drawer, &outcodes)) SubmitInside(entry, drawer, outcodes);
+  if (PassesTrivialTests(face, vertices, renderWord, drawer, &outcodes))
+    SubmitInside(face, vertices, renderWord, drawer, outcodes);
+}
+
+void SubmitPolygon(const PolygonRecord* entry, TriangleDrawer drawer) {
+  SubmitFace(entry->polygon, entry->mesh->vertices, entry->renderFlags, drawer);
 }
 
 // Only one depth plane is cut: the near one when a corner is in front of
 // it, else the far one.
 void SubmitClippedPolygon(const PolygonRecord* entry, TriangleDrawer drawer) {
+  MeshPolygon* face = entry->polygon;
   uint32_t outcodes;
-  if (!PassesTrivialTests(entry, drawer, &outcodes)) return;
+  if (!PassesTrivialTests(face, entry->mesh->vertices, entry->renderFlags, drawer, &outcodes)) return;
   if ((outcodes & (E3D_OUT_NEAR | E3D_OUT_FAR)) == 0) {
-    SubmitInside(entry, drawer, outcodes);
+    SubmitInside(face, entry->mesh->vertices, entry->renderFlags, drawer, outcodes);
     return;
   }
   const Camera* camera = renderInfo.camera;
@@ -170,13 +178,13 @@ void SubmitClippedPolygon(const PolygonRecord* entry, TriangleDrawer drawer) {
   const float horizontal = 1.0f / plane * camera->projScale;
   const float vertical = horizontal * clipViewport->projectionSign;
 
-  MeshPolygon* face = entry->polygon;
   const TextureStage* stage = LoadFace(face, entry->mesh->vertices, entry->renderFlags);
   ClipDepthPlane(bit, plane, horizontal, vertical);
   if (clipPolygon.count < 3) return;
   if (stage != nullptr) PlaceTexels(face, stage, true);
   ClipScreenEdges();
   DrawClipFan(face, drawer);
+  textureLevel = 0;
 }
 
 }  // namespace e3d

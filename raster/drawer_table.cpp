@@ -1,6 +1,6 @@
 // The static drawer table. Each shade family names its drawers below; the
-// blocks are built from them at compile time. Every entry not named, and
-// every drawer not written yet, is NoDraw.
+// blocks are built from them at compile time. Every entry not named is
+// NoDraw.
 #include "raster/drawer_table.h"
 
 namespace e3d {
@@ -33,30 +33,30 @@ struct FamilyDrawers {
 // Unlit polygons: drawn in their flat colour, so dots, wire and solid are
 // the Flat family's.
 constexpr FamilyDrawers kNoneFamily = {
-    .dots = kNothing,      // ClipAndDrawFlatDotsTriangle and its depth-tested twin
-    .wire = kNothing,      // ClipAndDrawFlatWireTriangle and twin
+    .dots = {ClipAndDrawFlatDotsTriangle, ClipAndDrawFlatDotsTriangleZ},
+    .wire = {ClipAndDrawFlatWireTriangle, ClipAndDrawFlatWireTriangleZ},
     .solid = {FlatSolidTriangle, FlatSolidTriangleZ},
-    .diffuse = kNothing,   // NoneDiffuseTriangle, NoneDiffuseTriangleZ
-    .opacity = kNothing,   // NoneOpacityTriangle, NoneOpacityTriangleZ
-    .opacity2 = kNothing,  // second opacity drawer of the None family and twin
+    .diffuse = {NoneDiffuseTriangle, NoneDiffuseTriangleZ},
+    .opacity = {NoneOpacityTriangle, NoneOpacityTriangleZ},
+    .opacity2 = {NoneEnvironmentTriangle, NoneEnvironmentTriangleZ},
 };
 
 constexpr FamilyDrawers kFlatFamily = {
     .dots = kNoneFamily.dots,
     .wire = kNoneFamily.wire,
     .solid = kNoneFamily.solid,
-    .diffuse = kNothing,   // FlatDiffuseTriangle, FlatDiffuseTriangleZ
-    .opacity = kNothing,   // FlatOpacityTriangle, FlatOpacityTriangleZ
-    .opacity2 = kNothing,  // second opacity drawer of the Flat family and twin
+    .diffuse = {FlatDiffuseTriangle, FlatDiffuseTriangleZ},
+    .opacity = {FlatOpacityTriangle, FlatOpacityTriangleZ},
+    .opacity2 = {FlatEnvironmentTriangle, FlatEnvironmentTriangleZ},
 };
 
 constexpr FamilyDrawers kGouraudFamily = {
-    .dots = kNothing,      // ClipAndDrawGouraudDotsTriangle and twin
-    .wire = kNothing,      // ClipAndDrawGouraudWireTriangle and twin
+    .dots = {ClipAndDrawGouraudDotsTriangle, ClipAndDrawGouraudDotsTriangleZ},
+    .wire = {ClipAndDrawGouraudWireTriangle, ClipAndDrawGouraudWireTriangleZ},
     .solid = {GouraudSolidTriangle, GouraudSolidTriangleZ},
-    .diffuse = kNothing,   // GouraudDiffuseTriangle, GouraudDiffuseTriangleZ
-    .opacity = kNothing,   // GouraudOpacityTriangle, GouraudOpacityTriangleZ
-    .opacity2 = kNothing,  // second opacity drawer of the Gouraud family and twin
+    .diffuse = {GouraudDiffuseTriangle, GouraudDiffuseTriangleZ},
+    .opacity = {GouraudOpacityTriangle, GouraudOpacityTriangleZ},
+    .opacity2 = {GouraudEnvironmentTriangle, GouraudEnvironmentTriangleZ},
 };
 
 constexpr void Place(ShadeBlock& block, uint32_t index, DrawerPair pair) {

@@ -46,44 +46,81 @@ inline uint32_t DepthOf(double invZ) {
   return z < 4294967295.0 ? static_cast<uint32_t>(FloatToInt(z)) : kDepthFarthest;
 }
 
+// Optional parts of a shader: kPerspective (it reads 1/z, carried as the
+// value after its own), Block(x, end, last) called at the start of each
+// block of kDepthBlock pixels (the depth test's blocks; last marks the
+// span's final, shorter or equal one), and kMayKeep (Shade returns an
+// int32_t, negative to leave the pixel and its depth alone).
+template <class S>
+constexpr bool ShaderReadsInvZ() {
+  if constexpr (requires { S::kPerspective; }) return S::kPerspective;
+  return false;
+}
+template <class S>
+constexpr bool ShaderMayKeep() {
+  if constexpr (requires { S::kMayKeep; }) return S::kMayKeep;
+  return false;
+}
+template <class S>
+concept BlockShader = requires(S s) { s.Block(int32_t{0}, int32_t{0}, false); };
+
 // A span body: Shader along the span, behind the depth test kTest.
 template <class Shader, DepthTest kTest = DepthTest::kNone>
 struct ShadedSpan {
   using Params = typename Shader::Params;
   static constexpr bool kDepth = kTest != DepthTest::kNone;
-  static constexpr int kAttributes = Shader::kAttributes + (kDepth ? 1 : 0);
+  static constexpr bool kBlocks = BlockShader<Shader>;
+  static constexpr int kAttributes =
+      Shader::kAttributes + (kDepth || ShaderReadsInvZ<Shader>() ? 1 : 0);
+
+  // One pixel that passed the depth test (if any).
+  static void Put(Shader& shader, int32_t x, uint16_t* pixel, uint32_t* depth, uint32_t z) {
+    if constexpr (ShaderMayKeep<Shader>()) {
+      const int32_t c = shader.Shade(x, *pixel);
+      if (c < 0) return;
+      if constexpr (kTest == DepthTest::kLess) *depth = z;
+      *pixel = static_cast<uint16_t>(c);
+    } else {
+      if constexpr (kTest == DepthTest::kLess) *depth = z;
+      *pixel = shader.Shade(x, *pixel);
+    }
+  }
 
   static void Span(const Params& params, const SpanArgs& s) {
     Shader shader(params, s);
     uint16_t* pixels = s.pixels;
-    if constexpr (!kDepth) {
+    if constexpr (!kDepth && !kBlocks) {
       for (int32_t x = s.left; x < s.right; ++x) {
-        pixels[x] = shader.Shade(x, pixels[x]);
+        Put(shader, x, pixels + x, nullptr, 0);
         shader.Step();
       }
     } else {
       // Depths come from 1/z at the start of every block of 16 pixels and
       // at the span's last pixel; in between they step in whole units.
       uint32_t* depth = s.depth;
-      const double invZ = s.attr[kAttributes - 1], invZStep = s.dx[kAttributes - 1];
-      uint32_t z = DepthOf(invZ);
+      [[maybe_unused]] const double invZ = s.attr[kAttributes - 1], invZStep = s.dx[kAttributes - 1];
+      uint32_t z = 0;
+      if constexpr (kDepth) z = DepthOf(invZ);
       for (int32_t x = s.left;;) {
         const bool last = s.right - x <= kDepthBlock;
         const int32_t end = last ? s.right : x + kDepthBlock;
         uint32_t next = 0;
         int32_t zStep = 0;
-        if (!last) {
-          next = DepthOf(invZ + (end - s.left) * invZStep);
-          zStep = static_cast<int32_t>(next - z) >> kDepthBlockShift;
-        } else if (end - x > 1) {
-          zStep = static_cast<int32_t>(DepthOf(invZ + (end - 1 - s.left) * invZStep) - z) /
-                  (end - 1 - x);
-        }
-        for (; x < end; ++x) {
-          if (kTest == DepthTest::kLess ? z < depth[x] : z <= depth[x]) {
-            if constexpr (kTest == DepthTest::kLess) depth[x] = z;
-            pixels[x] = shader.Shade(x, pixels[x]);
+        if constexpr (kDepth) {
+          if (!last) {
+            next = DepthOf(invZ + (end - s.left) * invZStep);
+            zStep = static_cast<int32_t>(next - z) >> kDepthBlockShift;
+          } else if (end - x > 1) {
+            zStep = static_cast<int32_t>(DepthOf(invZ + (end - 1 - s.left) * invZStep) - z) /
+                    (end - 1 - x);
           }
+        }
+        if constexpr (kBlocks) shader.Block(x, end, last);
+        for (; x < end; ++x) {
+          if constexpr (!kDepth)
+            Put(shader, x, pixels + x, nullptr, 0);
+          else if (kTest == DepthTest::kLess ? z < depth[x] : z <= depth[x])
+            Put(shader, x, pixels + x, depth + x, z);
           shader.Step();
           z += static_cast<uint32_t>(zStep);
         }

@@ -20,6 +20,8 @@
 #pragma once
 #include <stdint.h>
 
+#include <type_traits>
+
 #include "engine/math.h"
 #include "engine3d.h"
 #include "objects/material.h"
@@ -103,17 +105,17 @@ inline FaceSide SideOf(const MeshPolygon* face) {
   return {face->material, {2, 1, 0}};
 }
 
-// Positions of the corners in walking order, in 28.4; with depthLast, 1/z
+// Positions of the corners in walking order, in 28.4; with invZLast, 1/z
 // of each as its last attribute. The body's own values are the caller's.
 template <int N>
 inline void PlaceCorners(TriangleCorner<N>* slot, const FaceSide& side, const MeshPolygon* face,
-                         const MeshVertex* vertices, bool depthLast) {
+                         const MeshVertex* vertices, bool invZLast) {
   for (int i = 0; i < 3; ++i) {
     const MeshVertex& v = vertices[face->vertexIndex[side.corner[i]]];
     slot[i].x = FloatToInt(v.screenX * 16.0f);
     slot[i].y = FloatToInt(v.screenY * 16.0f);
     if constexpr (N > 0)
-      if (depthLast) slot[i].attr[N - 1] = v.invZ;
+      if (invZLast) slot[i].attr[N - 1] = v.invZ;
   }
 }
 
@@ -243,18 +245,23 @@ using TriangleWalker = void (*)(const TriangleCorner<N>*, const Params&);
 
 // What every drawer does: the side shown picks the material, its alpha mode
 // the walker from spans (0 plain, 1 additive, 2 blended, 3 subtractive), and
-// setUp adds the body's own corner values and parameters. Depth-tested
-// drawers carry 1/z as the last value.
+// setUp adds the body's own corner values and parameters; a setUp that
+// returns false draws nothing. With carryInvZ, 1/z is the last value (the
+// depth-tested and the perspective-correct drawers).
 template <int N, class Params, class SetUp>
-void DrawFace(const MeshPolygon* face, const MeshVertex* vertices, bool depthTested,
+void DrawFace(const MeshPolygon* face, const MeshVertex* vertices, bool carryInvZ,
               const TriangleWalker<N, Params> (&spans)[4], SetUp setUp) {
   const FaceSide side = SideOf(face);
   const int32_t mode = DrawnAlphaMode(side.material);
   if (mode < 0) return;
   TriangleCorner<N> corners[3];
-  PlaceCorners(corners, side, face, vertices, depthTested);
+  PlaceCorners(corners, side, face, vertices, carryInvZ);
   Params params;
-  setUp(face, side, mode, corners, &params);
+  if constexpr (std::is_same_v<decltype(setUp(face, side, mode, corners, &params)), bool>) {
+    if (!setUp(face, side, mode, corners, &params)) return;
+  } else {
+    setUp(face, side, mode, corners, &params);
+  }
   spans[mode](corners, params);
 }
 

@@ -5,6 +5,7 @@
 #include "engine3d.h"
 #include "objects/material.h"
 #include "pipeline/lighting.h"
+#include "raster/clip.h"
 #include "raster/drawer_table.h"
 #include "viewport/viewport.h"
 
@@ -14,7 +15,6 @@ namespace {
 constexpr float kQuadInvZ = 0.2f;  // 0x3E4CCCCD: the quad lies at depth 5
 constexpr uint32_t kWhite = 0x7FFF;
 constexpr uint32_t kNoneShade = 1;  // the unlit row of the drawer table
-constexpr uint32_t kFilled = 0x700000;  // render bits of drawers that do not clip themselves
 
 // Corners (0, 0), (width, 0), (width, height), (0, height) split along the
 // diagonal 0-2. Texture coordinates do not join across the diagonal: corner
@@ -38,9 +38,11 @@ uint32_t PostEffectColor(const Material* m) {
   return PackColor555(c[0], c[1], c[2]);
 }
 
-inline float Clamp(float x, float low, float high) {
-  x = x < low ? low : x;
-  return x > high ? high : x;
+// Outcode bits of a corner against the clip window: outside when past a
+// bound, not on it.
+uint32_t Outcode(float x, float y, const ViewportClip& c) {
+  return (x - c.left < 0.0f ? E3D_OUT_LEFT : x - c.right > 0.0f ? E3D_OUT_RIGHT : 0u) |
+         (y - c.top < 0.0f ? E3D_OUT_TOP : y - c.bottom > 0.0f ? E3D_OUT_BOTTOM : 0u);
 }
 
 }  // namespace
@@ -48,32 +50,33 @@ inline float Clamp(float x, float low, float high) {
 
 using namespace e3d;
 
-// The quad is already cut to the viewport's clip rectangle, as polygon
-// submission would cut it, and nothing of it is near or far, so the filled
-// drawers take it straight; dots and wire drawers clip for themselves and
-// get the whole viewport. Textured materials plug in here: their drawers
-// need the texel coordinates (u, v times the stage's size, over z) and mip
-// level that submission prepares, so they must go through it; until they
-// exist the table gives them NoDraw. The submission's current viewport is
-// to be saved, set to vp and restored around the two triangles.
+// The two triangles go through polygon submission as any polygon does: cut
+// to the viewport's clip rectangle, given texel coordinates and a mip level
+// when textured; dots and wire drawers clip for themselves. Nothing of the
+// quad is near or far. The submission's viewport and clip window are the
+// caller's again afterwards.
 E3D_API void E3D_CALL DrawViewportPostFX(Viewport* vp) {
   Material* m = vp->material;
   if (m == nullptr) return;
+  Viewport* savedViewport = clipViewport;
+  const ClipWindow savedWindow = clipWindow;
+  clipViewport = vp;
   SetRenderInfos(vp, nullptr);
 
   const uint32_t flags = m->flags;
-  const TriangleDrawer drawer = ChooseDrawer((flags & ~kMaterialShadeMask) | kNoneShade,
-                                             ViewportHasDepth(vp));
+  const uint32_t renderWord = (flags & ~kMaterialShadeMask) | kNoneShade;
+  const TriangleDrawer drawer = ChooseDrawer(renderWord, ViewportHasDepth(vp));
   const ViewportClip clip = ViewportClipBounds(vp);
-  const bool cut = (flags & kFilled) == kFilled;
+  SetClipWindow(clip.left, clip.right, clip.top, clip.bottom);
   const float xs[4] = {0.0f, vp->width, vp->width, 0.0f};
   const float ys[4] = {0.0f, 0.0f, vp->height, vp->height};
   MeshVertex corners[4] = {};
   for (int i = 0; i < 4; ++i) {
-    corners[i].screenX = cut ? Clamp(xs[i], clip.left, clip.right) : xs[i];
-    corners[i].screenY = cut ? Clamp(ys[i], clip.top, clip.bottom) : ys[i];
+    corners[i].screenX = xs[i];
+    corners[i].screenY = ys[i];
     corners[i].camZ = 1.0f / kQuadInvZ;
     corners[i].invZ = kQuadInvZ;
+    corners[i].outcode = Outcode(xs[i], ys[i], clip);
   }
 
   MeshPolygon face = {};
@@ -86,6 +89,8 @@ E3D_API void E3D_CALL DrawViewportPostFX(Viewport* vp) {
       face.vertexIndex[i] = t.vertex[i];
       face.corners[i] = {t.u[i], t.v[i], t.u[i], t.v[i]};
     }
-    drawer(&face, corners);
+    SubmitFace(&face, corners, renderWord, drawer);
   }
+  clipWindow = savedWindow;
+  clipViewport = savedViewport;
 }
