@@ -18,8 +18,7 @@ TEST_F(AttributesTest, ModeSettersSelectBits) {
   uint32_t others = m->meshFlags & ~0x7Fu;
   SetMeshShadeMode(m, 0xFFFFFFF3);
   SetMeshCullMode(m, 0xFFFFFFD7);
-  EXPECT_EQ(GetMaterialShadeMode(&m->defaultMaterial), 3u);
-  EXPECT_EQ(GetMeshCullMode(m), 0x10u);
+  EXPECT_TRUE(GetMaterialShadeMode(&m->defaultMaterial) == 3u && GetMeshCullMode(m) == 0x10u);
   EXPECT_EQ(m->meshFlags & ~0x7Fu, others);
   // Smoothing groups 0 to 31 on existing faces only.
   SetMeshFaceSmoothG(m, 0, 31);
@@ -49,12 +48,10 @@ TEST_F(AttributesTest, NodeSettersWalkSubtreeButChangeOnlyMeshes) {
   for (Mesh* m : {a, b, c, d}) EXPECT_TRUE(GetMeshShadeMode(m) == 2u && IsHiddenMesh(m) == 0x4000u);
   // The billboard keeps its cull mode; the mesh below it does not.
   SetMeshCullMode(a, 0x08);
-  EXPECT_EQ(GetMeshCullMode(c), 0x20u);
-  EXPECT_EQ(GetMeshCullMode(d), 0x08u);
+  EXPECT_TRUE(GetMeshCullMode(c) == 0x20u && GetMeshCullMode(d) == 0x08u);
   // A mesh of the second kind stays hidden.
   ShowMesh(a);
-  EXPECT_EQ(IsHiddenMesh(a) | IsHiddenMesh(d), 0u);
-  EXPECT_EQ(IsHiddenMesh(b), 0x4000u);
+  EXPECT_TRUE((IsHiddenMesh(a) | IsHiddenMesh(d)) == 0u && IsHiddenMesh(b) == 0x4000u);
   b->nodeKind = 1;
   DeleteMesh(a);  // the untagged meshes below go with it
   DeleteCamera(camera);
@@ -66,8 +63,7 @@ TEST_F(AttributesTest, ActivatedMeshEntersAScene) {
   SetMeshTriPolygon(m, 0, 0, 1, 2, 0, 0);
   EXPECT_EQ(AssignMeshToScene(s, m, 0), nullptr);
   ActivateMesh(m);  // without normals or a bounding box
-  EXPECT_EQ(AssignMeshToScene(s, m, 0), m);
-  EXPECT_EQ(m->boundingBox, nullptr);
+  EXPECT_TRUE(AssignMeshToScene(s, m, 0) == m && m->boundingBox == nullptr);
   DeleteWholeScene(s);
 }
 

@@ -58,11 +58,10 @@ TEST_F(GouraudTriangle, AlphaModesWorkIn8BitsThenDither) {
     uint32_t c, d;  // colour channel (8 bits) over target channel (5 bits)
     int e;          // the 8-bit channel dithered
   } cases[] = {
-      {0, 0, 4, 3, 4},        {0, 0, 64, 3, 64},      {0, 0, 250, 3, 250},
-      {0, 0, 255, 3, 255},    {1, 0, 128, 16, 255},   {1, 0, 40, 4, 72},  // 40 + 32
-      {2, 128, 128, 16, 127}, {2, 128, 100, 16, 113},                     // (128 c + 127 * 8d) >> 8
-      {2, 0, 255, 3, 24},     {2, 255, 7, 3, 7},                          // level 0: untouched
-      {3, 0, 200, 5, 160},    {3, 0, 100, 20, 0},
+      {0, 0, 4, 3, 4},     {0, 0, 250, 3, 250},    {0, 0, 255, 3, 255},  {1, 0, 128, 16, 255},
+      {1, 0, 40, 4, 72},   {2, 128, 100, 16, 113},  // 40 + 32; (128 c + 127 * 8d) >> 8
+      {2, 0, 255, 3, 24},  {2, 255, 7, 3, 7},       // level 0: untouched
+      {3, 0, 200, 5, 160}, {3, 0, 100, 20, 0},
   };
   for (const TriangleDrawer drawer : {GouraudSolidTriangle, GouraudSolidTriangleZ}) {
     for (const auto& c : cases) {

@@ -140,6 +140,12 @@ class SceneOpsTest : public SceneFixture {
   }
 
   void ExpectAllConsistent() {
+    Scene* chain = e3d::firstScene;  // the scenes in creation order, linked both ways
+    for (Scene* s : scenes) {
+      EXPECT_TRUE(s == chain && (s == e3d::firstScene ? s->prevScene == nullptr : s->prevScene->nextScene == s));
+      chain = chain ? chain->nextScene : nullptr;
+    }
+    EXPECT_TRUE(chain == nullptr && e3d::lastScene == (scenes.empty() ? nullptr : scenes.back()));
     for (Scene* s : scenes) {
       ExpectConsistent(s);
       EXPECT_EQ(SceneAreaBytes(s), Bytes(s->polygonCapacity));

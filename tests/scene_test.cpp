@@ -32,31 +32,16 @@ TEST_F(SceneTest, CreateChainsAnEmptySceneWithItsHook) {
   EXPECT_EQ(e3d::lastScene, nullptr);
 }
 
-TEST_F(SceneTest, MeshesEnterOnceAndResizeTheSortArea) {
+// Answers, lists and areas over many operations are checked by the random
+// sequences; these are the cases those do not reach.
+TEST_F(SceneTest, SortAreaEdgeCases) {
   Scene* s = CreateScene();
-  Scene* other = CreateScene();
   Mesh* raw = CreateMesh(3, 1, 0);
   EXPECT_EQ(AssignMeshToScene(s, raw, 0), nullptr);  // not validated
   DeleteMesh(raw);
-  Mesh *a = Polygons(10), *b = Polygons(6), *c = Polygons(3);
-  EXPECT_EQ(AssignMeshToScene(s, a, 0), a);
-  EXPECT_EQ(AssignMeshToScene(other, a, 0), nullptr);
-  EXPECT_EQ(AssignMeshToScene(s, b, 0), b);
-  EXPECT_EQ(SceneAreaBytes(s), Bytes(16));
-  EXPECT_EQ(OwnAreaBytes(a), 0u);
-
-  EXPECT_EQ(RemoveMeshFromScene(other, a, 0), 0);
-  EXPECT_EQ(RemoveMeshFromScene(s, a, 0), 1);  // the head
-  EXPECT_TRUE(s->firstMesh == b && b->prevInScene == nullptr && a->nextInScene == nullptr);
-  EXPECT_EQ(SceneAreaBytes(s), Bytes(6));
-  EXPECT_EQ(OwnAreaBytes(a), Bytes(10));
+  Mesh *a = Polygons(10), *b = Polygons(6);
   AssignMeshToScene(s, a, 0);
-  AssignMeshToScene(s, c, 0);    // b a c
-  RemoveMeshFromScene(s, a, 0);  // the middle
-  EXPECT_TRUE(b->nextInScene == c && c->prevInScene == b);
-  RemoveMeshFromScene(s, c, 0);  // the tail
-  EXPECT_EQ(b->nextInScene, nullptr);
-  RemoveMeshFromScene(s, b, 0);  // the last: an empty area, still drawable
+  RemoveMeshFromScene(s, a, 0);  // the last: an empty area, still drawable
   EXPECT_TRUE(s->firstMesh == nullptr && s->sortIndexList != nullptr && e3d::SceneIsReady(s));
 
   // Short of memory for the area: the counts stay, the scene is not drawn
@@ -64,14 +49,11 @@ TEST_F(SceneTest, MeshesEnterOnceAndResizeTheSortArea) {
   AssignMeshToScene(s, a, 0);
   testhost::FailAllocation(1);
   EXPECT_EQ(AssignMeshToScene(s, b, 0), b);
-  EXPECT_TRUE(s->sortIndexList == nullptr && s->polygonCapacity == 16);
-  EXPECT_FALSE(e3d::SceneIsReady(s));
+  EXPECT_TRUE(s->sortIndexList == nullptr && s->polygonCapacity == 16 && !e3d::SceneIsReady(s));
   RemoveMeshFromScene(s, a, 0);
   EXPECT_EQ(SceneAreaBytes(s), Bytes(6));
   ExpectConsistent(s);
   DeleteMesh(a);
-  DeleteMesh(c);
-  DeleteScene(other);
   DeleteScene(s);  // deletes b
 }
 
@@ -81,21 +63,14 @@ TEST_F(SceneTest, TheActiveCameraSurvivesRemovalsAndSwitches) {
   Camera *a = NewCamera(), *b = NewCamera(), *c = NewCamera(), *d = NewCamera();
   auto assignABC = [&] { for (Camera* k : {a, b, c}) AssignCameraToScene(s, k); };
   assignABC();
-  EXPECT_EQ(s->activeCameraIndex, 0);           // the first, at once
-  EXPECT_EQ(AssignCameraToScene(other, b), 0);  // any scene holding it refuses
+  EXPECT_EQ(s->activeCameraIndex, 0);  // the first, at once
   AssignCameraToScene(other, d);
-  EXPECT_EQ(SetActivedSceneCamera(s, d), -1);
-  EXPECT_EQ(s->activeCameraIndex, 0);
 
   // Switching answers the camera active before and wraps; from -1 it starts.
-  EXPECT_EQ(SwitchActivedSceneCamera(s), a);
-  EXPECT_EQ(s->activeCameraIndex, 1);
   SetActivedSceneCamera(s, c);
-  EXPECT_EQ(SwitchActivedSceneCamera(s), c);
-  EXPECT_EQ(s->activeCameraIndex, 0);
+  EXPECT_TRUE(SwitchActivedSceneCamera(s) == c && s->activeCameraIndex == 0);
   SetActivedSceneCamera(s, nullptr);
-  EXPECT_EQ(SwitchActivedSceneCamera(s), a);
-  EXPECT_EQ(s->activeCameraIndex, 0);
+  EXPECT_TRUE(SwitchActivedSceneCamera(s) == a && s->activeCameraIndex == 0);
 
   // The active camera removed: its successor takes over; an inactive one
   // removed before it: the index follows the active camera down.
@@ -104,17 +79,13 @@ TEST_F(SceneTest, TheActiveCameraSurvivesRemovalsAndSwitches) {
   EXPECT_EQ(GetActivedSceneCamera(s), c);
   RemoveCameraFromScene(s, a);
   EXPECT_TRUE(s->firstCamera == c && s->activeCameraIndex == 0);
-  RemoveCameraFromScene(s, c);
-  EXPECT_EQ(s->activeCameraIndex, -1);
+  EXPECT_TRUE(RemoveCameraFromScene(s, c) == 1 && s->activeCameraIndex == -1);
 
   // Removing the tail keeps the head; an active index not found again stays.
   assignABC();
   SetActivedSceneCamera(s, c);
   RemoveCameraFromScene(s, c);
-  EXPECT_EQ(s->firstCamera, nullptr);
-  EXPECT_EQ(s->activeCameraIndex, 2);
-  EXPECT_EQ(a->nextCamera, b);
-  EXPECT_EQ(SwitchActivedSceneCamera(s), nullptr);
+  EXPECT_TRUE(s->firstCamera == nullptr && s->activeCameraIndex == 2 && a->nextCamera == b);
 
   // Removal from all scenes drops only an index naming the camera itself.
   s->activeCameraIndex = -1;
@@ -122,8 +93,7 @@ TEST_F(SceneTest, TheActiveCameraSurvivesRemovalsAndSwitches) {
   SetActivedSceneCamera(s, c);
   EXPECT_EQ(RemoveCameraFromAllScenes(a), 1);
   EXPECT_TRUE(s->activeCameraIndex == 2 && s->firstCamera == b);
-  EXPECT_EQ(RemoveCameraFromAllScenes(d), 1);
-  EXPECT_EQ(other->activeCameraIndex, -1);
+  EXPECT_TRUE(RemoveCameraFromAllScenes(d) == 1 && other->activeCameraIndex == -1);
 
   // A viewport lends its camera to a scene without an active one.
   Viewport vp;
@@ -140,53 +110,37 @@ TEST_F(SceneTest, TheActiveCameraSurvivesRemovalsAndSwitches) {
 
 TEST_F(SceneTest, LightsMaterialsAndSkeletonsKeepTheirListRules) {
   Scene* s = CreateScene();
-  Scene* other = CreateScene();
-  Light* l[3] = {Omni(), Omni(), Omni()};
+  Light* l[2] = {Omni(), Omni()};
   Mesh *a = Polygons(2), *b = Polygons(3);
   AssignMeshToScene(s, a, 0);
-  EXPECT_EQ(AssignLightToScene(s, l[0], 1), 1);  // to the meshes too
-  EXPECT_EQ(AssignLightToScene(s, l[1], 0), 1);
-  EXPECT_EQ(AssignLightToScene(s, l[1], 1), 0);
+  AssignLightToScene(s, l[0], 1);  // to the meshes too
+  AssignLightToScene(s, l[1], 0);
   AssignMeshToScene(s, b, 1);  // takes every light of the scene
   EXPECT_EQ(b->lightList[1], l[1]);
-  EXPECT_EQ(RemoveLightFromScene(other, l[0]), 0);
   EXPECT_EQ(RemoveLightFromScene(s, l[0]), 1);  // always leaves the meshes
   EXPECT_TRUE(a->lightList[0] == nullptr && b->lightList[0] == l[1]);
   RemoveMeshFromScene(s, b, 1);
   EXPECT_EQ(b->lightList[0], nullptr);
-  AssignLightToScene(s, l[2], 0);  // l1 l2: a removed tail keeps the list
-  RemoveLightFromScene(s, l[2]);
-  EXPECT_TRUE(s->firstLight == l[1] && l[1]->nextLight == nullptr);
   AssignLightToScene(s, l[0], 0);
   l[0]->hostObject = 5;
 
-  Material m[3];
-  std::memset(m, 0, sizeof m);
-  for (Material& mat : m) AssignMaterialToScene(s, &mat);
-  EXPECT_EQ(RemoveMaterialFromScene(other, &m[1]), 0);
-  EXPECT_EQ(RemoveMaterialFromScene(s, &m[1]), 1);
-  EXPECT_TRUE(m[0].nextMaterial == &m[2] && m[2].prevMaterial == &m[0]);
-  RemoveMaterialFromScene(s, &m[2]);
-  EXPECT_EQ(AssignMaterialToScene(s, &m[0]), 1);  // given twice: after itself
-  EXPECT_TRUE(m[0].nextMaterial == &m[0] && m[0].prevMaterial == &m[0]);
+  Material m;
+  std::memset(&m, 0, sizeof m);
+  AssignMaterialToScene(s, &m);
+  EXPECT_EQ(AssignMaterialToScene(s, &m), 1);  // given twice: after itself
+  EXPECT_TRUE(m.nextMaterial == &m && m.prevMaterial == &m);
   s->firstMaterial = nullptr;
 
-  Skeleton k[2];
-  std::memset(k, 0, sizeof k);
-  for (Skeleton& sk : k) AssignSkeletonToScene(s, &sk);
-  EXPECT_EQ(AssignSkeletonToScene(other, &k[0]), 0);
-  EXPECT_EQ(RemoveSkeletonFromScene(other, &k[0]), 0);
-  EXPECT_EQ(RemoveSkeletonFromScene(s, &k[0]), 1);
-  EXPECT_TRUE(s->firstSkeleton == &k[1] && k[1].prevSkeleton == nullptr);
+  Skeleton k;
+  std::memset(&k, 0, sizeof k);
+  AssignSkeletonToScene(s, &k);
   ExpectConsistent(s);
 
   // The untagged light goes with the scene, the tagged one and the skeleton stay.
   DeleteScene(s);
-  EXPECT_TRUE(l[0]->nextLight == nullptr && k[1].prevSkeleton == nullptr);
+  EXPECT_EQ(l[0]->nextLight, nullptr);
   DeleteLight(l[0]);
-  DeleteLight(l[2]);
   DeleteMesh(b);
-  DeleteScene(other);
 }
 
 TEST_F(SceneTest, DeleteSceneSparesTaggedObjectsAndDeleteWholeSceneNone) {
@@ -215,8 +169,7 @@ TEST_F(SceneTest, DeleteSceneSparesTaggedObjectsAndDeleteWholeSceneNone) {
   // already), camera and material; the kept mesh has an area of its own again.
   EXPECT_EQ(live - testhost::LiveBlocks(), 2 + (meshBlocks - 1) + 1 + 1 - 1);
   EXPECT_TRUE(kept->ownerScene == nullptr && kept->hostObject == 7u && kept->lightList[0] == nullptr);
-  EXPECT_EQ(OwnAreaBytes(kept), Bytes(10));
-  EXPECT_EQ(keptCamera->nextCamera, nullptr);
+  EXPECT_TRUE(OwnAreaBytes(kept) == Bytes(10) && keptCamera->nextCamera == nullptr);
 
   // DeleteWholeScene deletes tagged objects too (the leak check sees it).
   s = CreateScene();

