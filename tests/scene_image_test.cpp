@@ -1,0 +1,179 @@
+// Whole scenes drawn end to end and compared by a hash of their pixels with
+// images a person has looked at. Both builds must give the same bits. With
+// E3D_IMAGE_DIR set, every image is also written there as a PPM.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "engine3d.h"
+#include "support/test_host.h"
+
+namespace {
+
+constexpr int kW = 160, kH = 120;
+constexpr int kPitch = kW + 6;  // guard columns right of every row
+constexpr uint16_t kGuard = 0xBEEF, kBackground = 0x0C63;
+
+class SceneImage : public testhost::LeakCheckedTest {
+ protected:
+  void SetUp() override {
+    ReleaseEngine3D();  // process-wide: start from nothing
+    LeakCheckedTest::SetUp();
+    InitEngine3D();
+    buffer_.assign(kPitch * (kH + 2), kGuard);  // and a guard row above and below
+    scene_ = CreateScene();
+    const Vector3 eye{0, 30, -220}, at{0, 0, 0};
+    AssignCameraToScene(scene_, CreateCamera(&eye, &at, 0, 60, 10));
+  }
+  void TearDown() override {
+    DeleteWholeScene(scene_);
+    if (vp_ != nullptr) DeleteViewport(vp_);
+    ReleaseEngine3D();
+    LeakCheckedTest::TearDown();
+  }
+
+  Mesh* Add(Mesh* mesh, float x, float y, float z, uint32_t shade) {
+    ActivateMesh(mesh);
+    SetMeshShadeMode(mesh, shade);
+    SetMeshModelPosition(mesh, x, y, z);
+    return mesh;
+  }
+  Mesh* Show(Mesh* mesh) { return AssignMeshToScene(scene_, mesh, 0); }
+  void Translucent(Mesh* mesh, uint32_t mode, int32_t level) {
+    Material* mat = CreateMaterial(GetMeshDefaultMaterial(mesh));
+    SetMaterialAlphaMode(mat, mode);
+    SetMaterialAlphaLevel(mat, level);
+    SetMaterial(mesh, mat, 2, 0);
+    AssignMaterialToScene(scene_, mat);
+  }
+  void Light(Light* light, int32_t attenuated) {
+    SetLightStatus(light, 1, attenuated);
+    AssignLightToScene(scene_, light, 1);
+  }
+  uint16_t* Pixels() { return &buffer_[kPitch]; }
+
+  // A cleared picture (with a depth buffer or not) for the next draw.
+  Viewport* Target(bool depth) {
+    SurfaceDesc surface{};
+    surface.pixels = Pixels();
+    surface.width = kW, surface.height = kH, surface.pitch = kPitch * 2;
+    vp_ = CreateViewport(&surface, kW, kH, depth ? 1 : 0);
+    SetViewportType(vp_, E3D_VIEWPORT_ENABLED | 1);
+    for (int y = 0; y < kH; ++y)
+      for (int x = 0; x < kW; ++x) Pixels()[y * kPitch + x] = kBackground;
+    if (depth) ClearViewportDepthBuffer(vp_, 0xFFFFFFFFu);
+    return vp_;
+  }
+  // Draws the scene and returns the hash of the picture.
+  uint64_t Draw(bool depth, const char* name) {
+    SetSceneViewport(scene_, Target(depth));
+    DrawScene(scene_);
+    return Finish(name);
+  }
+  // Checks that nothing was written outside the picture and returns the
+  // FNV-1a hash of its rows.
+  uint64_t Finish(const char* name) {
+    for (int i = 0; i < kPitch * (kH + 2); ++i) {
+      const int y = i / kPitch - 1, x = i % kPitch;
+      if (y < 0 || y >= kH || x >= kW) {
+        EXPECT_EQ(buffer_[i], kGuard) << "written outside at " << i;
+      }
+    }
+    if (const char* dir = std::getenv("E3D_IMAGE_DIR")) WritePpm(std::string(dir) + "/" + name + ".ppm");
+    uint64_t hash = 0xCBF29CE484222325u;
+    for (int y = 0; y < kH; ++y)
+      for (int x = 0; x < kW; ++x) {
+        const uint16_t p = Pixels()[y * kPitch + x];
+        for (int b : {0, 8}) hash = (hash ^ (p >> b & 0xFF)) * 0x100000001B3u;
+      }
+    return hash;
+  }
+  void WritePpm(const std::string& path) {
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (f == nullptr) return;
+    std::fprintf(f, "P6 %d %d 255\n", kW, kH);
+    for (int y = 0; y < kH; ++y)
+      for (int x = 0; x < kW; ++x)
+        for (int s : {10, 5, 0}) {
+          const int v = Pixels()[y * kPitch + x] >> s & 31;
+          std::fputc(v << 3 | v >> 2, f);
+        }
+    std::fclose(f);
+  }
+
+  Scene* scene_ = nullptr;
+  Viewport* vp_ = nullptr;
+  std::vector<uint16_t> buffer_;
+};
+
+// A Gouraud sphere lit from the upper left by an omni light, and from below
+// right by an attenuated one, through the depth buffer.
+TEST_F(SceneImage, GouraudSphereThroughDepthBuffer) {
+  Show(Add(SphereCreate(60, nullptr, 14, 20, 0xD0D0D0), 0, 0, 0, 7));
+  const Vector3 upperLeft{-300, 250, -200}, lowerRight{90, -90, -60};
+  const float white[4] = {1, 1, 1, 1}, blue[4] = {0.3f, 0.5f, 1, 1};
+  Light(CreateOmniLight(&upperLeft, white, 0.9f, 0, 0, 0), 0);
+  Light(CreateOmniLight(&lowerRight, blue, 1, 40, 160, 0), 1);
+  EXPECT_EQ(Draw(true, "gouraud-sphere"), 12965935678006338542u);
+  EXPECT_EQ(GetSceneNumberOfVisibleMeshes(scene_), 1);
+}
+
+// A flat cube partly behind a blended plane that overruns three screen
+// edges, lit by a direct and an omni light, sorted far to near.
+TEST_F(SceneImage, FlatCubeAndBlendedPlanePainter) {
+  Mesh* cube = Add(CubeCreate(80, nullptr, 0xE0D0C0), -20, 0, 40, 3);
+  SetMeshModelOrientation(cube, 30, 40, 0);
+  Show(cube);
+  Mesh* plane = Add(GridCreate(200, nullptr, 2, 2, 0x4080F0), 90, 0, -20, 3);
+  Translucent(plane, 2, 128);
+  Show(plane);
+  const Vector3 from{-200, 300, -250}, to{0, 0, 0}, right{250, 0, -150};
+  const float white[4] = {1, 1, 1, 1}, red[4] = {1, 0.3f, 0.2f, 1};
+  Light(CreateDirectLight(&from, &to, white, 0.8f, 0), 0);
+  Light(CreateOmniLight(&right, red, 0.8f, 0, 0, 0), 0);
+  EXPECT_EQ(Draw(false, "cube-and-plane"), 5779940749396218095u);
+}
+
+// A tilted parent with two children, a billboard facing the camera whatever
+// its own turn, and an added disk; no lights, so the headlight colours them.
+TEST_F(SceneImage, HierarchyAndBillboardHeadlit) {
+  Mesh* post = Add(CylinderCreate(15, 15, 70, nullptr, 12, 0xA0A0A8), -40, 0, 0, 7);
+  Mesh* halo = Add(TorusCreate(35, 6, nullptr, 8, 16, 0x40C0E0), 0, 10, 0, 7);
+  Mesh* knob = Add(CubeCreate(20, nullptr, 0xF08020), 0, 45, 0, 3);
+  SetMeshModelOrientation(post, 0, 0, -30);
+  AttachChildToNode(post, halo);
+  AttachChildToNode(post, knob);
+  Show(post);
+  Mesh* sign = Add(BillboardCreate(50, nullptr, 0xF0E060), 55, 20, 0, 1);
+  SetMeshModelOrientation(sign, 0, 70, 30);
+  SetMeshBillboardMode(sign, 16);
+  Show(sign);
+  Mesh* glow = Add(DiskCreate(30, nullptr, 16, 0xA04010), 55, -35, -10, 3);
+  Translucent(glow, 1, 255);
+  Show(glow);
+  EXPECT_EQ(Draw(true, "hierarchy-billboard"), 17638294533669951917u);
+  EXPECT_EQ(GetSceneNumberOfVisibleMeshes(scene_), 2);  // the parent's tree is not counted
+}
+
+// DrawMesh: a lit torus with a child cube through the mesh's own viewport.
+TEST_F(SceneImage, MeshDrawnAlone) {
+  Mesh* torus = Add(TorusCreate(50, 18, nullptr, 10, 20, 0x60D080), 0, 0, 0, 7);
+  SetMeshModelOrientation(torus, -50, 0, 0);
+  Mesh* cube = Add(CubeCreate(30, nullptr, 0xD06060), 0, 0, 0, 3);
+  AttachChildToNode(torus, cube);
+  const Vector3 at{-150, 200, -200};
+  const float white[4] = {1, 1, 1, 1};
+  ::Light* light = CreateOmniLight(&at, white, 1, 0, 0, 0);
+  SetLightStatus(light, 1, 0);
+  AssignLightToMesh(light, torus);
+  Viewport* vp = Target(true);
+  SetViewportCamera(vp, GetActivedSceneCamera(scene_));
+  SetMeshViewport(torus, vp);
+  DrawMesh(torus);
+  EXPECT_EQ(Finish("mesh-alone"), 2239212229386406601u);
+  DeleteMesh(torus);
+  DeleteLight(light);
+}
+
+}  // namespace
