@@ -8,4 +8,4 @@ cmake --preset x64 > /dev/null
 cmake --build --preset x64 --target demo
 out=${1:-out}
 build/x64/tools/demo "$out"
-echo "open $(cd "$out" && pwd)/demo-depth.png, demo-painter.png and demo-letterbox.png"
+echo "open $(cd "$out" && pwd)/demo-depth.png, demo-painter.png, demo-letterbox.png and demo-textures.png"

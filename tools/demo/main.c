@@ -1,14 +1,15 @@
 /* demo [directory]: draws the showcase scene and writes three PNG images:
    demo-depth.png through the depth buffer, demo-painter.png sorted far to
-   near without one, demo-letterbox.png letter-boxed with a warm tint. */
+   near without one, demo-letterbox.png letter-boxed with a warm tint; then
+   the texture gallery with its lines into demo-textures.png. */
 #include <errno.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
 
 #include "engine3d.h"
+#include "gallery.h"
 #include "png_write.h"
-#include "showcase.h"
 
 enum { kWidth = 640, kHeight = 480, kBorder = 60 };
 
@@ -43,11 +44,9 @@ static int Tint(Viewport* vp, Scene* scene) {
   return 1;
 }
 
-/* Clears the picture (the letter-box bars black), draws, applies the post
-   effect if the viewport has one, and writes the image. */
-static int Render(Scene* scene, Viewport* vp, int depth, const char* dir, const char* name) {
-  char path[4096];
-  snprintf(path, sizeof path, "%s/%s", dir, name);
+/* Clears the picture (the letter-box bars black), draws, and applies the
+   post effect if the viewport has one. */
+static int Draw(Scene* scene, Viewport* vp, int depth) {
   const int border = GetViewportBorderHeight(vp);
   Fill(0, kHeight, 0);
   Fill(border, kHeight - 2 * border, 0x0846);
@@ -55,11 +54,37 @@ static int Render(Scene* scene, Viewport* vp, int depth, const char* dir, const 
   SetSceneViewport(scene, vp);
   DrawScene(scene);
   DrawViewportPostFX(vp);
+  return 1;
+}
+
+static int Write(const char* dir, const char* name) {
+  char path[4096];
+  snprintf(path, sizeof path, "%s/%s", dir, name);
   if (!WritePng555(path, pixels, kWidth, kHeight, kWidth)) {
     fprintf(stderr, "demo: cannot write %s\n", path);
     return 0;
   }
   return 1;
+}
+
+static int Render(Scene* scene, Viewport* vp, int depth, const char* dir, const char* name) {
+  return Draw(scene, vp, depth) && Write(dir, name);
+}
+
+/* The gallery through the depth buffer, with its lines drawn over it. */
+static int RenderGallery(Viewport* vp, const char* dir) {
+  Scene* gallery = CreateGallery();
+  int ok = gallery != NULL && Draw(gallery, vp, 1);
+  if (ok) {
+    DrawGalleryLines(vp, kWidth, kHeight);
+    ok = Write(dir, "demo-textures.png");
+  }
+  if (gallery != NULL) {
+    SetSceneViewport(gallery, NULL);
+    DeleteWholeScene(gallery);
+  }
+  FreeGallery();
+  return ok;
 }
 
 int main(int argc, char** argv) {
@@ -81,7 +106,7 @@ int main(int argc, char** argv) {
     /* A letter-boxed viewport scales by its visible aspect; a wider field of
        view keeps the full frame's width in the picture. */
     SetCameraFov(GetActivedSceneCamera(scene), 75);
-    ok = ok && Render(scene, letterbox, 1, dir, "demo-letterbox.png");
+    ok = ok && Render(scene, letterbox, 1, dir, "demo-letterbox.png") && RenderGallery(depth, dir);
   }
   if (scene != NULL) DeleteWholeScene(scene);
   if (depth != NULL) DeleteViewport(depth);
@@ -92,6 +117,6 @@ int main(int argc, char** argv) {
     fprintf(stderr, "demo: drawing failed\n");
     return 1;
   }
-  printf("images written to %s/: demo-depth.png demo-painter.png demo-letterbox.png\n", dir);
+  printf("images written to %s/: demo-depth.png demo-painter.png demo-letterbox.png demo-textures.png\n", dir);
   return 0;
 }

@@ -3,16 +3,8 @@
 
 #include <stddef.h>
 
-enum { kUnlit = 1, kFlat = 3, kGouraud = 7 };
-enum { kPlain = 0, kAdded = 1, kBlended = 2, kSubtracted = 3 };
-
-typedef struct Builder {
-  Scene* scene;
-  int failed;
-} Builder;
-
 /* Places a generated mesh, gives it a little ambient light and a shade mode. */
-static Mesh* Place(Builder* b, Mesh* mesh, float x, float y, float z, uint32_t shade) {
+Mesh* Place(Builder* b, Mesh* mesh, float x, float y, float z, uint32_t shade) {
   if (mesh == NULL) {
     b->failed = 1;
     return NULL;
@@ -24,12 +16,12 @@ static Mesh* Place(Builder* b, Mesh* mesh, float x, float y, float z, uint32_t s
   return mesh;
 }
 
-static void Show(Builder* b, Mesh* mesh) {
+void Show(Builder* b, Mesh* mesh) {
   if (mesh != NULL && AssignMeshToScene(b->scene, mesh, 0) == NULL) b->failed = 1;
 }
 
 /* A copy of the mesh's default material drawn in an alpha mode on both sides. */
-static void Translucent(Builder* b, Mesh* mesh, uint32_t mode, int32_t level) {
+void Translucent(Builder* b, Mesh* mesh, uint32_t mode, int32_t level) {
   if (mesh == NULL) return;
   Material* mat = CreateMaterial(GetMeshDefaultMaterial(mesh));
   if (mat == NULL) {
@@ -42,7 +34,7 @@ static void Translucent(Builder* b, Mesh* mesh, uint32_t mode, int32_t level) {
   AssignMaterialToScene(b->scene, mat);
 }
 
-static void Lights(Builder* b) {
+void Lights(Builder* b) {
   const float white[4] = {1.0f, 0.95f, 0.9f, 1.0f};
   const float cool[4] = {0.55f, 0.7f, 1.0f, 1.0f};
   const float warm[4] = {1.0f, 0.6f, 0.25f, 1.0f};
@@ -121,12 +113,16 @@ Scene* CreateShowcase(void) {
   Show(&b, sign);
 
   Lights(&b);
-  const Vector3 eye = {0, 40, -380}, target = {0, 0, 0};
+  return Finish(&b, 40, -380);
+}
+
+Scene* Finish(Builder* b, float eyeY, float eyeZ) {
+  const Vector3 eye = {0, eyeY, eyeZ}, target = {0, 0, 0};
   Camera* camera = CreateCamera(&eye, &target, 0, 60, 10);
-  if (camera == NULL || !AssignCameraToScene(b.scene, camera)) b.failed = 1;
-  if (b.failed) {
-    DeleteWholeScene(b.scene);
+  if (camera == NULL || !AssignCameraToScene(b->scene, camera)) b->failed = 1;
+  if (b->failed) {
+    DeleteWholeScene(b->scene);
     return NULL;
   }
-  return b.scene;
+  return b->scene;
 }
