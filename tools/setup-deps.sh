@@ -2,6 +2,8 @@
 # Installs the Debian packages the build needs, only those that are missing.
 set -eu
 need="cmake g++ g++-multilib make googletest libbenchmark-dev libpng-dev binutils"
+# The host tools (e3d-render, e3d-view) and their tests.
+need="$need pkg-config libassimp-dev assimp-testmodels libstb-dev libsdl2-dev xvfb xauth"
 missing=""
 for p in $need; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

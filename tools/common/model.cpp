@@ -1,0 +1,349 @@
+// Model loading: assimp reads the file and flattens its node tree; every
+// mesh becomes one or more engine meshes whose default material carries the
+// file's colours and diffuse texture.
+#include "model.h"
+
+#include <float.h>
+#include <math.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/stat.h>
+
+#include <assimp/Importer.hpp>
+#include <assimp/material.h>
+#include <assimp/matrix4x4.h>
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+
+#include "texture.h"
+
+namespace {
+
+// The node tree is walked here rather than flattened by the importer, whose
+// flattening step crashes on some files.
+constexpr unsigned kImportFlags = aiProcess_JoinIdenticalVertices | aiProcess_GenSmoothNormals |
+                                  aiProcess_SortByPType | aiProcess_FlipUVs | aiProcess_FindInvalidData;
+
+// A mesh placed by a node: the same mesh may be placed several times.
+struct Instance {
+  unsigned mesh;
+  aiMatrix4x4 place;
+};
+
+void CollectInstances(const aiScene* ai, const aiNode* node, const aiMatrix4x4& parent, int depth,
+                      std::vector<Instance>* out) {
+  if (node == nullptr || depth > 256) return;
+  const aiMatrix4x4 place = parent * node->mTransformation;
+  for (unsigned i = 0; i < node->mNumMeshes; i++)
+    if (node->mMeshes[i] < ai->mNumMeshes) out->push_back({node->mMeshes[i], place});
+  for (unsigned i = 0; i < node->mNumChildren; i++) CollectInstances(ai, node->mChildren[i], place, depth + 1, out);
+}
+
+// True when a, b, c of the mesh span some area at finite coordinates.
+bool Spans(const aiMesh* mesh, unsigned a, unsigned b, unsigned c) {
+  if (a >= mesh->mNumVertices || b >= mesh->mNumVertices || c >= mesh->mNumVertices) return false;
+  const aiVector3D& p = mesh->mVertices[a];
+  const aiVector3D n = (mesh->mVertices[b] - p) ^ (mesh->mVertices[c] - p);
+  const float area = n.SquareLength();
+  return area > 0 && isfinite(area);
+}
+
+// The polygons of a mesh that the engine can draw: triangles and quads as
+// they are, larger polygons as fans; nothing with a repeated corner, without
+// area or with coordinates out of range.
+std::vector<SourcePolygon> DrawablePolygons(const aiMesh* mesh) {
+  std::vector<SourcePolygon> out;
+  if (mesh->mVertices == nullptr) return out;
+  out.reserve(mesh->mNumFaces);
+  for (unsigned f = 0; f < mesh->mNumFaces; f++) {
+    const aiFace& face = mesh->mFaces[f];
+    const unsigned* v = face.mIndices;
+    if (face.mNumIndices == 4 && v[0] != v[1] && v[0] != v[2] && v[0] != v[3] && v[1] != v[2] &&
+        v[1] != v[3] && v[2] != v[3] && Spans(mesh, v[0], v[1], v[3]) && Spans(mesh, v[1], v[2], v[3])) {
+      out.push_back({{v[0], v[1], v[2], v[3]}, 4});
+      continue;
+    }
+    for (unsigned i = 2; i < face.mNumIndices; i++)
+      if (v[0] != v[i - 1] && v[i - 1] != v[i] && v[0] != v[i] && Spans(mesh, v[0], v[i - 1], v[i]))
+        out.push_back({{v[0], v[i - 1], v[i], 0}, 3});
+  }
+  return out;
+}
+
+struct Bounds {
+  aiVector3D low{FLT_MAX, FLT_MAX, FLT_MAX}, high{-FLT_MAX, -FLT_MAX, -FLT_MAX};
+  void Add(const aiVector3D& p) {
+    low.x = fminf(low.x, p.x), low.y = fminf(low.y, p.y), low.z = fminf(low.z, p.z);
+    high.x = fmaxf(high.x, p.x), high.y = fmaxf(high.y, p.y), high.z = fmaxf(high.z, p.z);
+  }
+};
+
+uint32_t PackColor(const aiColor3D& c) {
+  auto channel = [](float v) { return uint32_t(v <= 0 ? 0 : v >= 1 ? 255 : v * 255.0f + 0.5f); };
+  return channel(c.r) << 16 | channel(c.g) << 8 | channel(c.b);
+}
+
+// The diffuse or base colour; light grey when the file gives neither (the
+// importer's getters clear their result when the key is missing).
+aiColor3D Diffuse(const aiMaterial* mat) {
+  aiColor3D diffuse;
+  aiColor4D base;
+  if (mat != nullptr && mat->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse) == AI_SUCCESS) return diffuse;
+  if (mat != nullptr && mat->Get(AI_MATKEY_BASE_COLOR, base) == AI_SUCCESS) return aiColor3D(base.r, base.g, base.b);
+  return aiColor3D(0.8f, 0.8f, 0.8f);
+}
+
+struct Builder {
+  const aiScene* ai;
+  const ModelOptions& options;
+  Model* model;
+  std::string folder;
+  std::vector<ModelTexture*> byMaterial;  // texture of each material, or null
+  std::vector<bool> tried;
+  aiVector3D centre;
+  float scale = 1;
+
+  ModelTexture* MaterialTexture(unsigned index);
+  void Configure(Material* mat, const aiMaterial* src, ModelTexture* texture);
+  ModelStatus Build(const aiMesh* src, const aiMatrix4x4& place, const std::vector<SourcePolygon>& polygons);
+};
+
+ModelTexture* Builder::MaterialTexture(unsigned index) {
+  if (!options.textures || index >= ai->mNumMaterials) return nullptr;
+  if (tried[index]) return byMaterial[index];
+  tried[index] = true;
+  aiString path;
+  const aiMaterial* mat = ai->mMaterials[index];
+  if (mat->GetTexture(aiTextureType_DIFFUSE, 0, &path) != AI_SUCCESS &&
+      mat->GetTexture(aiTextureType_BASE_COLOR, 0, &path) != AI_SUCCESS)
+    return nullptr;
+  const char* reason = "not found";
+  ModelTexture* texture = nullptr;
+  if (const aiTexture* embedded = ai->GetEmbeddedTexture(path.C_Str())) {
+    if (embedded->mHeight == 0) {
+      texture = DecodeModelTexture(reinterpret_cast<const unsigned char*>(embedded->pcData),
+                                   int(embedded->mWidth), options.maxTexture, &reason);
+    } else {
+      std::vector<unsigned char> rgba(size_t(embedded->mWidth) * embedded->mHeight * 4);
+      for (size_t i = 0; i < size_t(embedded->mWidth) * embedded->mHeight; i++) {
+        const aiTexel& t = embedded->pcData[i];
+        rgba[4 * i] = t.r, rgba[4 * i + 1] = t.g, rgba[4 * i + 2] = t.b, rgba[4 * i + 3] = t.a;
+      }
+      texture = CreateModelTexture(rgba.data(), int(embedded->mWidth), int(embedded->mHeight), options.maxTexture);
+      if (texture == nullptr) reason = "out of memory";
+    }
+  } else {
+    std::string file = path.C_Str();
+    for (char& c : file)
+      if (c == '\\') c = '/';
+    if (file.rfind("file://", 0) == 0) file.erase(0, 7);
+    std::string full = !file.empty() && file[0] == '/' ? file : folder + file;
+    struct stat st;
+    if (stat(full.c_str(), &st) != 0) {
+      // Files written on other systems often name textures by another case
+      // or path: try the bare name beside the model.
+      const size_t slash = file.rfind('/');
+      const std::string beside = folder + (slash == std::string::npos ? file : file.substr(slash + 1));
+      if (stat(beside.c_str(), &st) == 0) full = beside;
+    }
+    texture = LoadModelTexture(full.c_str(), options.maxTexture, &reason);
+  }
+  if (texture == nullptr) {
+    model->warnings.push_back(std::string("texture ") + path.C_Str() + ": " + (reason ? reason : "unreadable") +
+                              "; drawn without it");
+  } else {
+    model->textures.push_back(texture);
+  }
+  byMaterial[index] = texture;
+  return texture;
+}
+
+void Builder::Configure(Material* mat, const aiMaterial* src, ModelTexture* texture) {
+  const aiColor3D diffuse = Diffuse(src);
+  aiColor3D emissive(0, 0, 0), found;
+  if (src != nullptr && src->Get(AI_MATKEY_COLOR_EMISSIVE, found) == AI_SUCCESS) emissive = found;
+  // A textured surface takes its colour from the texels; a plain one keeps a
+  // little of its own colour where no light reaches.
+  const float ambient = texture ? 40.0f : 0.0f;
+  SetMaterialColor(mat, 0, ambient + 38.0f * diffuse.r, ambient + 38.0f * diffuse.g, ambient + 38.0f * diffuse.b);
+  SetMaterialColor(mat, 1, 255.0f * diffuse.r, 255.0f * diffuse.g, 255.0f * diffuse.b);
+  SetMaterialColor(mat, 2, 255.0f * emissive.r, 255.0f * emissive.g, 255.0f * emissive.b);
+  float opacity = 1;
+  if (src != nullptr && src->Get(AI_MATKEY_OPACITY, opacity) == AI_SUCCESS && opacity > 0.05f && opacity < 0.98f) {
+    SetMaterialAlphaMode(mat, 2);
+    SetMaterialAlphaLevel(mat, int32_t(opacity * 255.0f));
+  }
+  if (texture != nullptr) {
+    SetMaterialTextureChain(mat, 0, &texture->chain, texture->option);
+    SetMaterialTextureMode(mat, 0, 0x10);
+  }
+}
+
+// One engine mesh per chunk; with two sides each polygon appears twice, the
+// copy wound the other way in smoothing group 1 so its normals face out of
+// the other side.
+ModelStatus Builder::Build(const aiMesh* src, const aiMatrix4x4& place, const std::vector<SourcePolygon>& polygons) {
+  // A mirroring placement turns the winding over.
+  const bool mirrored = place.Determinant() < 0;
+  ModelTexture* texture = src->HasTextureCoords(0) ? MaterialTexture(src->mMaterialIndex) : nullptr;
+  const aiMaterial* material = src->mMaterialIndex < ai->mNumMaterials ? ai->mMaterials[src->mMaterialIndex] : nullptr;
+  const aiColor3D diffuse = Diffuse(material);
+  const int sides = options.twoSided ? 2 : 1;
+  // Local index of each source vertex in the chunk being built, else -1.
+  std::vector<int32_t> local(src->mNumVertices, -1);
+  for (const MeshChunk& chunk : SplitPolygons(polygons, src->mNumVertices, options.vertexLimit)) {
+    long long slots = 0;
+    for (unsigned p : chunk.polygons) slots += polygons[p].corners == 4 ? 2 : 1;
+    slots *= sides;
+    Mesh* mesh = CreateMesh(int32_t(chunk.vertices.size()), int32_t(slots), PackColor(diffuse));
+    if (mesh == nullptr) return kModelNoMemory;
+    for (size_t i = 0; i < chunk.vertices.size(); i++) {
+      const aiVector3D p = place * src->mVertices[chunk.vertices[i]];
+      // Right-handed file space to the engine's left-handed one: z turns over.
+      SetMeshVertex(mesh, int32_t(i), (p.x - centre.x) * scale, (p.y - centre.y) * scale, (centre.z - p.z) * scale);
+    }
+    for (size_t i = 0; i < chunk.vertices.size(); i++) local[chunk.vertices[i]] = int32_t(i);
+    int32_t slot = 0;
+    for (unsigned p : chunk.polygons) {
+      const SourcePolygon& poly = polygons[p];
+      for (int side = 0; side < sides; side++) {
+        int32_t v[4];
+        float uv[8];
+        for (int c = 0; c < poly.corners; c++) {
+          // The z flip turns the winding over; the front copy turns it back.
+          const int k = (side == 0) != mirrored ? poly.corners - 1 - c : c;
+          v[c] = local[poly.v[k]];
+          if (texture != nullptr) {
+            const aiVector3D& t = src->mTextureCoords[0][poly.v[k]];
+            uv[2 * c] = t.x, uv[2 * c + 1] = t.y;
+          }
+        }
+        if (poly.corners == 4) {
+          SetMeshQuadPolygon(mesh, slot, v[0], v[1], v[2], v[3], 0, uint32_t(side));
+          if (texture) SetMeshQuadTexCoords(mesh, slot, uv[0], uv[1], uv[2], uv[3], uv[4], uv[5], uv[6], uv[7]);
+          slot += 2;
+        } else {
+          SetMeshTriPolygon(mesh, slot, v[0], v[1], v[2], 0, uint32_t(side));
+          if (texture) SetMeshTriTexCoords(mesh, slot, uv[0], uv[1], uv[2], uv[3], uv[4], uv[5]);
+          slot += 1;
+        }
+      }
+    }
+    Mesh* valid = ValidateMesh(mesh);
+    if (valid == nullptr) {
+      DeleteMesh(mesh);
+      return kModelNoMemory;
+    }
+    SetMeshName(valid, std::string(src->mName.C_Str()).substr(0, 31).c_str());
+    Configure(GetMeshDefaultMaterial(valid), material, texture);
+    if (texture != nullptr) model->textured = true;
+    if (AssignMeshToScene(model->scene, valid, 0) == nullptr) {
+      DeleteMesh(valid);
+      return kModelNoMemory;
+    }
+    model->meshes.push_back(valid);
+    model->polygons += slots;
+  }
+  return kModelOk;
+}
+
+ModelStatus Fail(ModelStatus status, std::string* error, std::string message) {
+  *error = std::move(message);
+  return status;
+}
+
+}  // namespace
+
+std::vector<MeshChunk> SplitPolygons(const std::vector<SourcePolygon>& polygons, unsigned sourceVertices,
+                                     int vertexLimit) {
+  std::vector<MeshChunk> chunks;
+  std::vector<unsigned> stamp(sourceVertices, 0);  // chunk number + 1 that holds the vertex
+  MeshChunk current;
+  for (unsigned p = 0; p < polygons.size(); p++) {
+    const SourcePolygon& poly = polygons[p];
+    int fresh = 0;
+    for (int c = 0; c < poly.corners; c++) fresh += stamp[poly.v[c]] != chunks.size() + 1;
+    if (current.vertices.size() + fresh > size_t(vertexLimit) && !current.polygons.empty()) {
+      chunks.push_back(std::move(current));
+      current = MeshChunk();
+    }
+    for (int c = 0; c < poly.corners; c++) {
+      if (stamp[poly.v[c]] == chunks.size() + 1) continue;
+      stamp[poly.v[c]] = unsigned(chunks.size() + 1);
+      current.vertices.push_back(poly.v[c]);
+    }
+    current.polygons.push_back(p);
+  }
+  if (!current.polygons.empty()) chunks.push_back(std::move(current));
+  return chunks;
+}
+
+ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* model, std::string* error) {
+  *model = Model();
+  struct stat st;
+  if (stat(path, &st) != 0) return Fail(kModelUnreadable, error, std::string(path) + ": no such file");
+  if (!S_ISREG(st.st_mode)) return Fail(kModelUnreadable, error, std::string(path) + ": not a file");
+  Assimp::Importer importer;
+  importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, 80.0f);
+  const aiScene* ai = importer.ReadFile(path, 0);
+  if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
+  // Sizes are checked before the cleaning steps, which take long on huge counts.
+  long long vertices = 0;
+  for (unsigned m = 0; m < ai->mNumMeshes; m++) vertices += ai->mMeshes[m]->mNumVertices;
+  if (vertices > options.maxPolygons)
+    return Fail(kModelTooBig, error,
+                std::string(path) + ": " + std::to_string(vertices) + " vertices, more than the " +
+                    std::to_string(options.maxPolygons) + " a scene can count");
+  const aiScene* cleaned = importer.ApplyPostProcessing(kImportFlags);
+  // The cleaning steps refuse some files outright that can still be drawn in part.
+  ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_FlipUVs);
+  if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
+
+  // Count first: refuse before allocating anything.
+  std::vector<std::vector<SourcePolygon>> drawable(ai->mNumMeshes);
+  long long slots = 0;
+  Bounds bounds;
+  for (unsigned m = 0; m < ai->mNumMeshes; m++) drawable[m] = DrawablePolygons(ai->mMeshes[m]);
+  std::vector<Instance> instances;
+  aiMatrix4x4 up;
+  if (options.zUp) aiMatrix4x4::RotationX(-1.5707963f, up);
+  CollectInstances(ai, ai->mRootNode, up, 0, &instances);
+  for (const Instance& in : instances) {
+    const aiMesh* mesh = ai->mMeshes[in.mesh];
+    for (const SourcePolygon& p : drawable[in.mesh]) {
+      slots += p.corners == 4 ? 2 : 1;
+      for (int c = 0; c < p.corners; c++) bounds.Add(in.place * mesh->mVertices[p.v[c]]);
+    }
+  }
+  if (options.twoSided) slots *= 2;
+  if (slots == 0) return Fail(kModelEmpty, error, std::string(path) + ": no polygons to draw");
+  if (slots > options.maxPolygons)
+    return Fail(kModelTooBig, error,
+                std::string(path) + ": " + std::to_string(slots) + " triangles, more than the " +
+                    std::to_string(options.maxPolygons) + " a scene can count");
+
+  Builder b{ai, options, model, "", std::vector<ModelTexture*>(ai->mNumMaterials, nullptr),
+            std::vector<bool>(ai->mNumMaterials, false)};
+  const std::string p = path;
+  b.folder = p.rfind('/') == std::string::npos ? "" : p.substr(0, p.rfind('/') + 1);
+  b.centre = (bounds.low + bounds.high) * 0.5f;
+  const float radius = (bounds.high - bounds.low).Length() * 0.5f;
+  b.scale = radius > 0 && isfinite(radius) ? kModelRadius / radius : 1.0f;
+  model->scene = CreateScene();
+  if (model->scene == nullptr) return Fail(kModelNoMemory, error, "out of memory");
+  for (const Instance& in : instances) {
+    if (drawable[in.mesh].empty()) continue;
+    const ModelStatus status = b.Build(ai->mMeshes[in.mesh], in.place, drawable[in.mesh]);
+    if (status != kModelOk) {
+      FreeModel(model);
+      return Fail(status, error, std::string(path) + ": the engine refused a mesh (out of memory)");
+    }
+  }
+  return kModelOk;
+}
+
+void FreeModel(Model* model) {
+  if (model->scene != nullptr) DeleteWholeScene(model->scene);
+  for (ModelTexture* t : model->textures) FreeModelTexture(t);
+  *model = Model();
+}

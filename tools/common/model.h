@@ -1,0 +1,72 @@
+// Model files (through assimp) turned into engine meshes in a scene.
+#ifndef E3D_TOOLS_MODEL_H
+#define E3D_TOOLS_MODEL_H
+
+#include <string>
+#include <vector>
+
+#include "engine3d.h"
+
+struct ModelTexture;
+
+// Exit codes a script can test; the tools return them as they are.
+enum ModelStatus {
+  kModelOk = 0,
+  kModelUsage = 1,       // bad command line
+  kModelUnreadable = 2,  // missing file, or a format or content the importer refuses
+  kModelEmpty = 3,       // read, but without a single polygon to draw
+  kModelTooBig = 4,      // more polygons than the engine's 32-bit counts and blocks hold
+  kModelNoMemory = 5,    // the engine refused a mesh, scene or viewport
+  kModelWriteFailed = 6  // the image could not be written
+};
+
+// Polygon (and vertex) budget of one scene: its sort area must fit one
+// 32-bit sized block.
+constexpr long long kMaxScenePolygons = 50000000;
+
+struct ModelOptions {
+  bool textures = true;    // decode diffuse textures
+  bool twoSided = true;    // add each polygon once more, wound the other way
+  int maxTexture = 512;    // largest texture side kept, a power of two
+  bool zUp = false;        // the file's up axis is z (as in Blender and 3DS files), not y
+  // Vertices per engine mesh; bigger parts are split. Normals cost the engine
+  // time in the square of a mesh's size, so meshes stay small.
+  int vertexLimit = 1024;
+  long long maxPolygons = kMaxScenePolygons;  // larger models are refused
+};
+
+// Model space is normalised: centred on the origin, bounding sphere radius
+// kModelRadius, y up, z away from a camera at yaw 0.
+constexpr float kModelRadius = 100.0f;
+
+struct Model {
+  Scene* scene = nullptr;
+  std::vector<Mesh*> meshes;
+  std::vector<ModelTexture*> textures;
+  long long polygons = 0;  // triangle slots in all meshes
+  bool textured = false;   // some mesh carries a texture
+  std::vector<std::string> warnings;
+};
+
+// Loads path into a new scene of validated meshes (no camera, no lights).
+// On failure returns the status and a message in *error, and leaves *model empty.
+ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* model, std::string* error);
+// Deletes the scene with everything in it, and the textures.
+void FreeModel(Model* model);
+
+// A triangle or a quad of a source mesh, by source vertex indexes.
+struct SourcePolygon {
+  unsigned v[4];
+  int corners;  // 3 or 4
+};
+// A part of a source mesh small enough for one engine mesh: its vertices
+// (local index -> source index) and its polygons (numbers in the source list).
+struct MeshChunk {
+  std::vector<unsigned> vertices;
+  std::vector<unsigned> polygons;
+};
+// Cuts the polygons, in order, into chunks of at most vertexLimit vertices.
+std::vector<MeshChunk> SplitPolygons(const std::vector<SourcePolygon>& polygons, unsigned sourceVertices,
+                                     int vertexLimit);
+
+#endif
