@@ -18,7 +18,7 @@ int32_t StoreInt32(double integral) {
 
 }  // namespace
 
-int32_t FloatToInt(double x) {
+int32_t FloatToIntWide(double x) {
   // A 64-bit store of a value beyond its range (or of a NaN) writes
   // 0x8000000000000000, whose low half is 0.
   if (!(x >= -fp::kTwo63 && x < fp::kTwo63)) return 0;

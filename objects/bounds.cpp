@@ -9,7 +9,7 @@ namespace {
 
 // A vertex seen in the current smoothing group and the normal it got there.
 struct VertexNormal {
-  int32_t vertex;
+  int32_t vertex;  // or, indexed by vertex, the run that saw it
   int32_t normal;
 };
 
@@ -35,8 +35,18 @@ struct NormalScratch {
   }
 };
 
+// Adds a face normal to normal n's sum; returns n.
+int32_t AddFace(NormalScratch* s, int32_t n, const Vector3& face) {
+  Vector3* sum = &s->sums[n];
+  sum->x += face.x;
+  sum->y += face.y;
+  sum->z += face.z;
+  return n;
+}
+
 // Sums the face normals of the polygons that share a vertex inside one
-// smoothing group, unweighted; returns the number of normals made.
+// smoothing group, unweighted; returns the number of normals made. Each run
+// of one group starts with an empty table of the vertices seen in it.
 int32_t SumGroupNormals(Mesh* mesh, NormalScratch* s) {
   const int32_t slots = mesh->meshPolygonCount;
   int32_t made = 0;
@@ -51,15 +61,47 @@ int32_t SumGroupNormals(Mesh* mesh, NormalScratch* s) {
         int32_t j = 0;
         while (j < seenCount && s->seen[j].vertex != vertex) j++;
         if (j < seenCount) {
-          Vector3* sum = &s->sums[s->seen[j].normal];
-          sum->x += face.x;
-          sum->y += face.y;
-          sum->z += face.z;
-          p->normalIndex[k] = s->seen[j].normal;
+          p->normalIndex[k] = AddFace(s, s->seen[j].normal, face);
           continue;
         }
         // Only corners naming vertices outside the mesh can fill the table.
         if (seenCount < mesh->vertexCount) s->seen[seenCount++] = {vertex, made};
+        s->sums[made] = face;
+        p->normalIndex[k] = made++;
+      }
+    }
+  }
+  return made;
+}
+
+bool CornersInRange(const Mesh* mesh) {
+  const uint32_t count = uint32_t(mesh->vertexCount);
+  for (int32_t i = 0; i < mesh->meshPolygonCount; i++) {
+    const int32_t* v = mesh->polygons[i].vertexIndex;
+    if (uint32_t(v[0]) >= count || uint32_t(v[1]) >= count || uint32_t(v[2]) >= count) return false;
+  }
+  return true;
+}
+
+// The same sums when every corner names a vertex of the mesh: the table is
+// indexed by vertex, an entry belonging to the run that stamped it, so the
+// look-up costs no search.
+int32_t SumGroupNormalsIndexed(Mesh* mesh, NormalScratch* s) {
+  const int32_t slots = mesh->meshPolygonCount;
+  for (int32_t v = 0; v < mesh->vertexCount; v++) s->seen[v].vertex = -1;
+  int32_t made = 0;
+  for (int32_t i = 0, run = 0; i < slots; run++) {
+    const uint32_t group = s->groups[s->order[i]];
+    for (; i < slots && s->groups[s->order[i]] == group; i++) {
+      MeshPolygon* p = &mesh->polygons[s->order[i]];
+      const Vector3 face = {p->plane[0], p->plane[1], p->plane[2]};
+      for (int32_t k = 0; k < 3; k++) {
+        VertexNormal* entry = &s->seen[p->vertexIndex[k]];
+        if (entry->vertex == run) {
+          p->normalIndex[k] = AddFace(s, entry->normal, face);
+          continue;
+        }
+        *entry = {run, made};
         s->sums[made] = face;
         p->normalIndex[k] = made++;
       }
@@ -98,7 +140,7 @@ bool ComputeMeshNormals(Mesh* mesh) {
   ResetRadixSort(slots, s.order);
   for (int32_t i = 0; i < slots; i++) s.groups[i] = PolygonGroup(&mesh->polygons[i]);
   RadixLongSorter(slots, s.groups, s.order, 0);
-  const int32_t made = SumGroupNormals(mesh, &s);
+  const int32_t made = CornersInRange(mesh) ? SumGroupNormalsIndexed(mesh, &s) : SumGroupNormals(mesh, &s);
   for (int32_t i = 0; i < made; i++) VectorNormalize(&s.sums[i]);
   Vector3* normals = Allocate<Vector3>(uint32_t(made));
   if (normals != nullptr) MemoryCopy(normals, s.sums, uint32_t(made) * uint32_t(sizeof(Vector3)));

@@ -25,8 +25,14 @@ void SubmitRecords(const RecordLists& lists, const Mesh* clipMesh) {
   SetClipWindow(viewClip.left, viewClip.right, viewClip.top, viewClip.bottom);
   const PolygonRecord* opaque = lists.records + lists.capacity - 1;
   for (int32_t i = 0; i < lists.opaqueCount; i++) Submit(opaque - i, lists.depthTested, clipMesh);
-  for (int32_t i = lists.sortedCount - 1; i >= 0; i--)
+  // Sorted records are reached in depth order, all over the record area and
+  // the meshes: fetch a record some places ahead, and its polygon nearer.
+  constexpr int32_t kRecordAhead = 16, kPolygonAhead = 8;
+  for (int32_t i = lists.sortedCount - 1; i >= 0; i--) {
+    if (i >= kRecordAhead) __builtin_prefetch(&lists.records[lists.order[i - kRecordAhead]]);
+    if (i >= kPolygonAhead) __builtin_prefetch(lists.records[lists.order[i - kPolygonAhead]].polygon);
     Submit(&lists.records[lists.order[i]], lists.depthTested, clipMesh);
+  }
 }
 
 }  // namespace e3d

@@ -26,6 +26,24 @@ Vector3 ToModelSpace(const Mesh* mesh, const Vector3& p) {
   return v;
 }
 
+// Corner colours made during the current mesh walk. A vertex shared by
+// several polygons is lit once for each normal, side, material and mode it is
+// seen with: the lights, the vertices and the materials do not change during
+// a walk. Direct-mapped by normal index; an entry counts only in the walk
+// that made it, and outside a walk nothing is remembered.
+struct CornerMemo {
+  uint32_t walk;
+  int32_t normal, vertex;
+  uint32_t renderFlags;
+  bool back;
+  const Material* material;
+  uint32_t color;
+};
+constexpr uint32_t kCornerMemoSize = 256;
+CornerMemo cornerMemo[kCornerMemoSize];
+uint32_t cornerWalk = 0;
+bool cornerWalking = false;
+
 void ClearSums() {
   lighting.sumRed = lighting.sumGreen = lighting.sumBlue = 0.0f;
 }
@@ -82,15 +100,35 @@ void LightPolygonFlat(const Mesh* mesh, MeshPolygon* polygon, uint32_t renderFla
   polygon->colors[0] = PackColor555(rgb[0], rgb[1], rgb[2]);
 }
 
+void BeginCornerMemo() {
+  if (++cornerWalk == 0) {  // stamps wrapped: forget them all
+    for (CornerMemo& m : cornerMemo) m.walk = 0;
+    cornerWalk = 1;
+  }
+  cornerWalking = true;
+}
+
+void EndCornerMemo() { cornerWalking = false; }
+
 void LightPolygonCorners(const Mesh* mesh, MeshPolygon* polygon, uint32_t renderFlags,
                          const Material* material) {
-  const LightTable<CornerRoutine>& table =
-      (polygon->polygonFlags & kPolygonBackFacing) ? LightCornerBackTable : LightCornerTable;
+  const bool back = (polygon->polygonFlags & kPolygonBackFacing) != 0;
+  const LightTable<CornerRoutine>& table = back ? LightCornerBackTable : LightCornerTable;
   lighting.polygon = polygon;
   for (int i = 0; i < 3; i++) {
+    const int32_t vertex = polygon->vertexIndex[i], normalIndex = polygon->normalIndex[i];
+    CornerMemo* memo = nullptr;
+    if (cornerWalking) {
+      memo = &cornerMemo[static_cast<uint32_t>(normalIndex) % kCornerMemoSize];
+      if (memo->walk == cornerWalk && memo->normal == normalIndex && memo->vertex == vertex &&
+          memo->renderFlags == renderFlags && memo->back == back && memo->material == material) {
+        polygon->colors[i] = memo->color;
+        continue;
+      }
+    }
     ClearSums();
-    lighting.vertex = &mesh->vertices[polygon->vertexIndex[i]];
-    const Vector3* normal = &mesh->normals[polygon->normalIndex[i]];
+    lighting.vertex = &mesh->vertices[vertex];
+    const Vector3* normal = &mesh->normals[normalIndex];
     ForEachEnabledLight(mesh, [&table, normal](Light* light) {
       lighting.light = light;
       table[LightType(light)](normal);
@@ -98,6 +136,7 @@ void LightPolygonCorners(const Mesh* mesh, MeshPolygon* polygon, uint32_t render
     uint32_t rgb[3];
     SumsToChannels(material, renderFlags, rgb);
     polygon->colors[i] = (rgb[0] << 16) | (rgb[1] << 8) | rgb[2];
+    if (memo != nullptr) *memo = {cornerWalk, normalIndex, vertex, renderFlags, back, material, polygon->colors[i]};
   }
 }
 

@@ -34,9 +34,13 @@ void LightPolygonFlat(const Mesh* mesh, MeshPolygon* polygon, uint32_t renderFla
                       const Material* material);
 
 // Sums the listed lights at each corner against its vertex normal and stores
-// the 8:8:8 colours 0x00RRGGBB in colors[0..2].
+// the 8:8:8 colours 0x00RRGGBB in colors[0..2]. Between BeginCornerMemo and
+// EndCornerMemo (one mesh walk, in which lights, vertices and materials stay
+// as they are) a corner seen again takes the colour it got before.
 void LightPolygonCorners(const Mesh* mesh, MeshPolygon* polygon, uint32_t renderFlags,
                          const Material* material);
+void BeginCornerMemo();
+void EndCornerMemo();
 
 // The flat colour of an unlit polygon: colour 0 + 1 + 2 packed 5:5:5, or white
 // when a texture other than stage 2 alone supplies the colour.
@@ -55,7 +59,7 @@ uint32_t ShadeLitPolygon(const Mesh* mesh, MeshPolygon* polygon, uint32_t render
 
 // A colour channel: rounded to nearest, clamped to 0..255.
 inline uint32_t ColorChannel(double value) {
-  int32_t c = FloatToInt(value);
+  const int32_t c = FloatToInt(value);
   return c < 0 ? 0u : c > 255 ? 255u : static_cast<uint32_t>(c);
 }
 inline uint32_t PackColor555(uint32_t r, uint32_t g, uint32_t b) {

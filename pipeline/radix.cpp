@@ -67,25 +67,27 @@ void GrowScratch(int32_t count) {
   radixCapacity = radixScratch ? count : 0;
 }
 
-// Counts every byte of every key. With a kept start it also walks the list
-// and returns true when no key is below its predecessor.
+// Counts every byte of every key. With a kept start it first walks the list
+// and returns true, counting nothing, when no key is below its predecessor:
+// a list kept in order costs one walk and no counting.
 template <Start kStart, class Keys>
 bool CountKeyBytes(const Keys& keys, uint32_t count, uint32_t* list) {
+  if constexpr (kStart == Start::Kept) {
+    uint32_t i = 1;
+    while (i < count && !keys.OutOfOrder(list[i - 1], list[i])) ++i;
+    if (i >= count) return true;
+  }
   for (auto& histogram : radixHistograms)
     for (uint32_t& counter : histogram) counter = 0;
-  bool ordered = kStart == Start::Kept;
   for (uint32_t i = 0; i < count; ++i) {
     const uint32_t bits = keys.Bits(i);
     ++radixHistograms[0][bits & 0xFF];
     ++radixHistograms[1][(bits >> 8) & 0xFF];
     ++radixHistograms[2][(bits >> 16) & 0xFF];
     ++radixHistograms[3][bits >> 24];
-    if constexpr (kStart == Start::Identity)
-      list[i] = i;
-    else if (ordered && i > 0 && keys.OutOfOrder(list[i - 1], list[i]))
-      ordered = false;
+    if constexpr (kStart == Start::Identity) list[i] = i;
   }
-  return ordered;
+  return false;
 }
 
 // True when every key has the same byte at this position.
@@ -117,18 +119,45 @@ void ComputeOffsets(const uint32_t* h) {
   }
 }
 
-// One distribution pass over byte position `byte`, from src into dst.
-template <Layout kLayout, class Keys>
-void Distribute(const Keys& keys, uint32_t byte, const uint32_t* src, uint32_t* dst,
-                uint32_t count) {
+// How a pass reads and writes the list. While indexes fit in 24 bits, a pass
+// that has a successor stores, beside each index, the key byte that the
+// successor sorts on: the successor then finds its bucket without reading
+// the key again, and the one key read that remains per pass no longer lies
+// on the path to the store.
+enum class Words {
+  Plain,      // plain indexes in and out
+  PackOut,    // plain in; index and next byte out
+  Packed,     // index and byte in; index and next byte out
+  UnpackOut   // index and byte in; plain indexes out
+};
+inline constexpr uint32_t kPackedIndexMask = 0xFFFFFF;
+inline constexpr uint32_t kPackedMaxCount = kPackedIndexMask + 1;
+
+// One distribution pass over byte position `byte`, from src into dst;
+// `next` is the byte position of the following pass, for packed words.
+template <Layout kLayout, Words kWords, class Keys>
+void Distribute(const Keys& keys, uint32_t byte, uint32_t next, const uint32_t* src,
+                uint32_t* dst, uint32_t count) {
+  constexpr bool kPackedIn = kWords == Words::Packed || kWords == Words::UnpackOut;
+  constexpr bool kPackedOut = kWords == Words::PackOut || kWords == Words::Packed;
   ComputeOffsets<kLayout>(radixHistograms[byte]);
-  const uint32_t shift = byte * 8;
+  const uint32_t shift = byte * 8, nextShift = next * 8;
   for (uint32_t n = 0; n < count; ++n) {
-    const uint32_t index = src[n];
-    const uint32_t b = (keys.Bits(index) >> shift) & 0xFF;
+    const uint32_t word = src[n];
+    uint32_t index, b, out;
+    if constexpr (kPackedIn) {
+      index = word & kPackedIndexMask;
+      b = word >> 24;
+      out = kPackedOut ? index | ((keys.Bits(index) >> nextShift) & 0xFF) << 24 : index;
+    } else {
+      index = word;
+      const uint32_t bits = keys.Bits(index);
+      b = (bits >> shift) & 0xFF;
+      out = kPackedOut ? index | ((bits >> nextShift) & 0xFF) << 24 : index;
+    }
     if constexpr (kLayout == Layout::Float) {
       if (b >= 128) {
-        dst[--radixOffsets[b]] = index;  // reverses the negatives' order so far
+        dst[--radixOffsets[b]] = out;  // reverses the negatives' order so far
         continue;
       }
     }
@@ -138,7 +167,22 @@ void Distribute(const Keys& keys, uint32_t byte, const uint32_t* src, uint32_t* 
     // the result; the rest are dropped rather than written past the list.
     if constexpr (kLayout == Layout::Signed)
       if (at >= count) continue;
-    dst[at] = index;
+    dst[at] = out;
+  }
+}
+
+template <Layout kLayout, class Keys>
+void DistributeWords(Words words, const Keys& keys, uint32_t byte, uint32_t next,
+                     const uint32_t* src, uint32_t* dst, uint32_t count) {
+  switch (words) {
+    case Words::Plain:
+      return Distribute<kLayout, Words::Plain>(keys, byte, next, src, dst, count);
+    case Words::PackOut:
+      return Distribute<kLayout, Words::PackOut>(keys, byte, next, src, dst, count);
+    case Words::Packed:
+      return Distribute<kLayout, Words::Packed>(keys, byte, next, src, dst, count);
+    case Words::UnpackOut:
+      return Distribute<kLayout, Words::UnpackOut>(keys, byte, next, src, dst, count);
   }
 }
 
@@ -152,19 +196,26 @@ void RadixSort(const Keys& keys, int32_t count, uint32_t* list) {
     radixNegativeCount = 0;
     for (int i = 128; i < 256; ++i) radixNegativeCount += radixHistograms[3][i];
   }
+  uint32_t bytes[4], passes = 0;
+  for (uint32_t byte = 0; byte < 4; ++byte)
+    if (!AllKeysAgree(radixHistograms[byte], n)) bytes[passes++] = byte;
+  // The signed layout can leave places of its last pass unwritten: they keep
+  // whatever the block held, never a packed word.
+  const bool pack = kTop != Layout::Signed && n <= kPackedMaxCount;
   uint32_t* src = list;
   uint32_t* dst = radixScratch;
-  uint32_t passes = 0;
-  for (uint32_t byte = 0; byte < 4; ++byte) {
-    if (AllKeysAgree(radixHistograms[byte], n)) continue;
+  for (uint32_t pass = 0; pass < passes; ++pass) {
+    const bool packedIn = pack && pass > 0, packedOut = pack && pass + 1 < passes;
+    const Words words = packedIn ? (packedOut ? Words::Packed : Words::UnpackOut)
+                                 : (packedOut ? Words::PackOut : Words::Plain);
+    const uint32_t byte = bytes[pass], next = packedOut ? bytes[pass + 1] : 0;
     if (byte < 3)
-      Distribute<Layout::Unsigned>(keys, byte, src, dst, n);
+      DistributeWords<Layout::Unsigned>(words, keys, byte, next, src, dst, n);
     else
-      Distribute<kTop>(keys, byte, src, dst, n);
+      DistributeWords<kTop>(words, keys, byte, next, src, dst, n);
     uint32_t* t = src;
     src = dst;
     dst = t;
-    ++passes;
   }
   // After an odd number of passes the order lies in the scratch block.
   if (passes & 1)

@@ -30,6 +30,7 @@ int32_t WalkPolygons(Mesh* mesh) {
   MatrixInverseTransformPoint(&mesh->worldMatrix, &eye);
   if (kLit) SetupMeshLights(mesh);
   if (mesh->vertexBits == nullptr) return 0;  // never validated: nothing to project into
+  if (kLit) BeginCornerMemo();
   const Vector3 pivot = mesh->pivot;
   const uint32_t meshFlags = mesh->meshFlags;
   int32_t written = 0;
@@ -91,6 +92,7 @@ int32_t WalkPolygons(Mesh* mesh) {
     record->renderFlags = renderFlags;
     written++;
   }
+  if (kLit) EndCornerMemo();
   return written;
 }
 

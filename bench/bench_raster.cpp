@@ -1,0 +1,120 @@
+// The drawers on their own: full-target fill against plain stores (W2),
+// many small triangles (W3), and the full-screen effects.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <random>
+
+#include "target.h"
+#include "thread_clock.h"
+
+namespace {
+
+// The memory limit: the same pixels written by plain 16-bit stores.
+__attribute__((noinline)) void PlainFill(uint16_t* pixels, int width, int height, uint16_t color) {
+  for (int y = 0; y < height; ++y) {
+    uint16_t* row = pixels + size_t(y) * width;
+    for (int x = 0; x < width; ++x) row[x] = color;
+  }
+}
+
+// Two triangles cover the target, 200 times a frame; each iteration times
+// the drawer and the plain stores back to back, so their ratio is measured
+// under the same load.
+void W2Fill(benchmark::State& state) {
+  constexpr int kPasses = 200;
+  Target target(int(state.range(0)), int(state.range(1)), false);
+  const float w = float(target.width()), h = float(target.height());
+  MeshVertex corners[4] = {ScreenVertex(0, 0), ScreenVertex(w, 0), ScreenVertex(w, h), ScreenVertex(0, h)};
+  MeshPolygon faces[2] = {MakeFace(target.material(), 0x7FFF, 2, 1, 0),
+                          MakeFace(target.material(), 0x7FFF, 3, 2, 0)};
+  for (MeshPolygon& face : faces) FlatSolidTriangle(&face, corners);
+  const int64_t pixels = int64_t(target.width()) * target.height();
+  if (target.CountPixels(0x7FFF) != pixels) {
+    state.SkipWithError("the two triangles do not cover the target");
+    return;
+  }
+  double drawer = 0, plain = 0;
+  for (auto _ : state) {
+    const double t0 = ThreadSeconds();
+    for (int i = 0; i < kPasses; ++i)
+      for (MeshPolygon& face : faces) FlatSolidTriangle(&face, corners);
+    benchmark::ClobberMemory();
+    const double t1 = ThreadSeconds();
+    for (int i = 0; i < kPasses; ++i) PlainFill(target.pixels(), target.width(), target.height(), 0x7FFF);
+    benchmark::ClobberMemory();
+    const double t2 = ThreadSeconds();
+    drawer += t1 - t0;
+    plain += t2 - t1;
+    state.SetIterationTime(t1 - t0);
+  }
+  const double filled = double(pixels) * kPasses * double(state.iterations());
+  state.counters["drawer_Gpix/s"] = filled / drawer * 1e-9;
+  state.counters["stores_Gpix/s"] = filled / plain * 1e-9;
+  state.counters["drawer/stores"] = plain / drawer;
+}
+
+// 100,000 flat triangles of 8 to 12 pixels from a fixed seed, each through
+// DrawTriangle2D.
+void W3Small(benchmark::State& state) {
+  constexpr int kTriangles = 100000;
+  constexpr float kPi = 3.14159265f;
+  Target target(640, 480, false);
+  std::mt19937 random(12345);
+  std::uniform_real_distribution<float> unit(0.0f, 1.0f);
+  std::vector<MeshVertex> vertices;
+  std::vector<MeshPolygon> faces;
+  for (int i = 0; i < kTriangles; ++i) {
+    const float cx = 12 + unit(random) * float(target.width() - 24);
+    const float cy = 12 + unit(random) * float(target.height() - 24);
+    const float a = unit(random) * 2 * kPi, b = a + (1 + unit(random)) * kPi / 3;
+    const float r1 = 3 + 3 * unit(random), r2 = 3 + 3 * unit(random);
+    const float area = 0.5f * r1 * r2 * std::sin(b - a);
+    const float scale = std::sqrt((8 + 4 * unit(random)) / area);
+    const int32_t first = int32_t(vertices.size());
+    vertices.push_back(ScreenVertex(cx, cy));
+    vertices.push_back(ScreenVertex(cx + scale * r1 * std::cos(a), cy + scale * r1 * std::sin(a)));
+    vertices.push_back(ScreenVertex(cx + scale * r2 * std::cos(b), cy + scale * r2 * std::sin(b)));
+    faces.push_back(MakeFace(target.material(), uint16_t(random() & 0x7FFF), first, first + 2, first + 1));
+  }
+  for (MeshPolygon& face : faces) DrawTriangle2D(&face, vertices.data(), target.viewport());
+  if (target.CountPixels(0) > int64_t(target.width()) * target.height() / 2) {
+    state.SkipWithError("the small triangles draw too little");
+    return;
+  }
+  state.counters["hash"] = double(target.Hash());
+  for (auto _ : state)
+    for (MeshPolygon& face : faces) DrawTriangle2D(&face, vertices.data(), target.viewport());
+  state.SetItemsProcessed(state.iterations() * kTriangles);
+}
+
+void Blur(benchmark::State& state, void (*blur)(uint16_t*, int32_t, int32_t)) {
+  const int w = int(state.range(0)), h = int(state.range(1));
+  std::vector<uint16_t> pixels(size_t(w) * h);
+  std::mt19937 random(7);
+  for (uint16_t& p : pixels) p = uint16_t(random() & 0x7FFF);
+  for (auto _ : state) {
+    blur(pixels.data(), w, h);
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations() * w * h);
+}
+void FSBlurBench(benchmark::State& state) { Blur(state, FSBlur); }
+void FSBlurFastBench(benchmark::State& state) { Blur(state, FSBlurFast); }
+
+void ClearDepth(benchmark::State& state) {
+  Target target(int(state.range(0)), int(state.range(1)), true);
+  for (auto _ : state) {
+    ClearViewportDepthBuffer(target.viewport(), 0xFFFFFFFFu);
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations() * target.width() * target.height());
+}
+
+}  // namespace
+
+BENCHMARK(W2Fill)->Args({640, 480})->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(W3Small)->Unit(benchmark::kMillisecond);
+BENCHMARK(FSBlurBench)->Name("FSBlur")->Args({640, 480})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
+BENCHMARK(FSBlurFastBench)->Name("FSBlurFast")->Args({640, 480})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
+BENCHMARK(ClearDepth)->Name("ClearViewportDepthBuffer")->Args({640, 480})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
