@@ -21,9 +21,11 @@ Material* Redirect(Material* material, Mesh* from, Mesh* to) {
 }
 
 // Copies a piece-built mesh into a new one-block mesh and frees the source.
-// Null when out of memory (the source is deleted) or when a polygon repeats
-// a vertex (the source is kept as it was).
+// Null when a polygon repeats a vertex (the source is kept as it was) or when
+// out of memory (the source is deleted). The polygons are checked before the
+// copy is made, so that a host can tell the two apart even when memory is short.
 Mesh* Compact(Mesh* src) {
+  if (HasDegeneratePolygon(src)) return nullptr;
   Mesh* dst = CreateMesh(src->vertexCount, src->meshPolygonCount, 0x7FFF);
   if (dst == nullptr) {
     DeleteMesh(src);
@@ -33,10 +35,6 @@ Mesh* Compact(Mesh* src) {
                   uint32_t(src->vertexCount) * uint32_t(sizeof(MeshVertex)));
   for (int32_t i = 0; i < src->meshPolygonCount; i++) {
     const MeshPolygon* from = &src->polygons[i];
-    if (IsDegenerate(from)) {
-      DeleteMesh(dst);
-      return nullptr;
-    }
     MeshPolygon* to = &dst->polygons[i];
     *to = *from;
     to->material = Redirect(from->material, src, dst);

@@ -11,14 +11,17 @@
 
 namespace {
 
-// Takes every member of a list out of the scene (the successor is taken
-// first), then deletes it when whole, or when its host tag is zero.
+// Takes every member of a list out of the scene, first to last, then deletes
+// it when whole, or when its host tag is zero. The head is read afresh each
+// time: deleting a mesh frees the untagged meshes of its tree, and one of
+// them (hung below a light or camera of that tree) may stand in this list.
 template <auto Next, auto Tag, class T, class Remove, class Delete>
-void TakeOut(T* head, Remove remove, Delete del, bool whole) {
-  e3d::ListEach<Next>(head, [&](T* item) {
+void TakeOut(T* const& head, Remove remove, Delete del, bool whole) {
+  while (T* item = head) {
     remove(item);
+    if (head == item) return;  // refused: the lists are out of step, stop
     if (whole || item->*Tag == 0) del(item);
-  });
+  }
 }
 
 void DeleteMeshes(Scene* scene, bool whole) {

@@ -26,6 +26,18 @@ inline uint32_t ClipBits(float sx, float sy) {
   return bits;
 }
 
+// A vertex whose numbers mean nothing (a NaN or an infinity from the host's
+// positions or placement, or a point so far out that cutting its edges at
+// the screen bounds would overflow) gets this bit, and every polygon that
+// uses it is left out of the draw: its cuts would give NaN corners.
+constexpr uint32_t kOutUnusable = 0x400;
+constexpr float kUsableLimit = 1e30f;
+
+inline bool Usable(float a, float b, float c) {
+  auto within = [](float x) { return x >= -kUsableLimit && x <= kUsableLimit; };  // false for NaN
+  return within(a) && within(b) && within(c);
+}
+
 }  // namespace
 
 float Projector::Project(MeshVertex* v) const {
@@ -40,6 +52,7 @@ float Projector::Project(MeshVertex* v) const {
   v->camY = Row(matrix, 1, x, y, z);
   v->screenY = sy * v->camY + centerY;
   v->outcode = ClipBits(v->screenX, v->screenY);
+  if (!Usable(v->screenX, v->screenY, cz) || !Usable(v->camX, v->camY, 0.0f)) v->outcode |= kOutUnusable;
   return cz;
 }
 
@@ -54,6 +67,7 @@ float Projector::ProjectNear(MeshVertex* v) const {
   v->invZ = 1.0f / nearPlane;
   v->camX = Row(matrix, 0, x, y, z);
   v->camY = Row(matrix, 1, x, y, z);
+  if (!Usable(v->camX, v->camY, cz)) v->outcode |= kOutUnusable;
   return nearPlane;
 }
 
@@ -88,7 +102,8 @@ inline float FetchVertex(Mesh* mesh, int32_t i) {
 
 inline bool SharesClipBit(const Mesh* mesh, int32_t a, int32_t b, int32_t c) {
   const MeshVertex* v = mesh->vertices;
-  return (v[a].outcode & v[b].outcode & v[c].outcode) != 0;
+  return (v[a].outcode & v[b].outcode & v[c].outcode) != 0 ||
+         ((v[a].outcode | v[b].outcode | v[c].outcode) & kOutUnusable) != 0;
 }
 
 }  // namespace

@@ -27,6 +27,10 @@ uint32_t PackColor(const float* c) {
 void DrawClipFan(const MeshPolygon* face, TriangleDrawer drawer) {
   const ClipPolygon& p = clipPolygon;
   if (p.count < 3) return;
+  // Cutting extreme values (a corner on the near plane far beyond the screen)
+  // can leave a NaN, which the walker would take for 0: no such polygon is drawn.
+  for (int32_t i = 0; i < p.count; ++i)
+    if (!(p.in[i].screenX - p.in[i].screenX == 0.0f && p.in[i].screenY - p.in[i].screenY == 0.0f)) return;
   fanFace = *face;
   for (int k = 0; k < 3; ++k) fanFace.vertexIndex[k] = k;
   for (int32_t i = 1; i + 1 < p.count; ++i) {

@@ -175,6 +175,12 @@ void WalkTriangle(const TriangleCorner<Body::kAttributes>* c, const typename Bod
     if (depth == nullptr) return;
     depthStride = static_cast<int32_t>(vp->width);
   }
+  // A corner off the viewport (a triangle handed over unclipped, or a NaN
+  // that became 0 beside corners that did not) would walk outside its
+  // pixels: such a triangle is dropped. Clipped corners always lie inside.
+  const double xLimit = 16.0 * vp->width, yLimit = 16.0 * vp->height;
+  for (int i = 0; i < 3; ++i)
+    if (c[i].x < 0 || c[i].x > xLimit || c[i].y < 0 || c[i].y > yLimit) return;
   // Twice the signed area, in 28.4 squared: positive for the winding that fills.
   const int64_t ax = c[1].x - c[0].x, ay = c[1].y - c[0].y;
   const int64_t bx = c[2].x - c[0].x, by = c[2].y - c[0].y;

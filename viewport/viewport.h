@@ -66,6 +66,10 @@ inline ViewportClip ViewportClipBounds(const Viewport* vp) {
   c.right = vp->scissorRight;
   c.top = vp->scissorTop > border ? vp->scissorTop : border;
   c.bottom = vp->scissorBottom < belowBorder ? vp->scissorBottom : belowBorder;
+  // The scissor's order is not checked: a rectangle turned inside out (or
+  // pushed out by the bars) holds nothing, and every point lies outside it.
+  if (!(c.right >= c.left)) c.right = c.left;
+  if (!(c.bottom >= c.top)) c.bottom = c.top;
   c.lastColumn = c.right - 1.0f;
   c.lastRow = c.bottom - 1.0f;
   return c;

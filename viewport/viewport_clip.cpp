@@ -42,10 +42,12 @@ using namespace e3d;
 E3D_API void E3D_CALL SetViewportScissor(Viewport* vp, float left, float right, float top,
                                          float bottom) {
   if (IsPositive(bottom - vp->height) || IsPositive(right - vp->width)) return;
+  // A NaN left or top counts as beyond the size: no bound may be a NaN,
+  // or the clipper would let everything through on that side.
   left = NotNegative(left);
-  if (left > vp->width) left = vp->width;
+  if (!(left <= vp->width)) left = vp->width;
   top = NotNegative(top);
-  if (top > vp->height) top = vp->height;
+  if (!(top <= vp->height)) top = vp->height;
   vp->scissorLeft = left;
   vp->scissorRight = NotNegative(right);
   vp->scissorTop = top;
