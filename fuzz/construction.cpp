@@ -239,6 +239,10 @@ Mesh* Build(fuzz::Input& in, bool* set) {
     for (int32_t i = 0; i < vertices; ++i) AddMeshVertex(mesh, in.Within(-9, 9), in.Within(-9, 9), in.Within(-9, 9));
     for (int32_t i = 0; i < polygons; ++i)
       *set &= AddMeshTriPolygon(mesh, in.Range(0, vertices - 1), in.Range(0, vertices - 1), in.Range(0, vertices - 1), 0, in.U8() & 31);
+    if (in.Bool()) {  // the setters' index tests include the count: the arrays keep room for it
+      SetMeshVertex(mesh, mesh->vertexCount, in.Within(-9, 9), 0, 0);
+      SetMeshTriTexCoords(mesh, mesh->meshPolygonCount, 0, 0, 1, 0, 0, 1);
+    }
   } else {
     mesh = CreateMesh(vertices, polygons, in.U32());
     if (mesh == nullptr) return nullptr;
@@ -262,9 +266,7 @@ void Step(fuzz::Input& in, World& w) {
       Mesh* m = op % 32 == 0 ? Build(in, &set) : Generate(in);
       if (m == nullptr) break;
       if (in.U8() % 4 == 0 && set) {
-        // Vertex lighting reads the normals, which only validation makes.
-        CalcMeshVerticesNormal(m);
-        ActivateMesh(m);
+        ActivateMesh(m);  // no vertex normals: lit by face normals
       } else {
         m = fuzz::ValidateOrDelete(m);
       }

@@ -72,28 +72,28 @@ E3D_API int32_t E3D_CALL GetMaterialAlphaMode(const Material* mat) { return mat-
 
 // The option bit always follows the argument; the mode only when one is given.
 E3D_API void E3D_CALL SetMaterialRenderMode(Material* mat, uint32_t mode) {
-  SetMasked(mat->flags, kMaterialRenderOption, mode);
+  SetMasked(mat->flags, kRenderOption, mode);
   if (mode & kMaterialRenderMask) SetMasked(mat->flags, kMaterialRenderMask, mode);
 }
 
 E3D_API uint32_t E3D_CALL GetMaterialRenderMode(const Material* mat) {
-  return mat->flags & (kMaterialRenderMask | kMaterialRenderOption);
+  return mat->flags & (kMaterialRenderMask | kRenderOption);
 }
 
 E3D_API void E3D_CALL SetMaterialShadeMode(Material* mat, uint32_t mode) {
-  if (mode & kMaterialShadeMask) SetMasked(mat->flags, kMaterialShadeMask, mode);
+  if (mode & kShadeModeMask) SetMasked(mat->flags, kShadeModeMask, mode);
 }
 
 E3D_API uint32_t E3D_CALL GetMaterialShadeMode(const Material* mat) {
-  return mat->flags & kMaterialShadeMask;
+  return mat->flags & kShadeModeMask;
 }
 
 E3D_API void E3D_CALL SetMaterialCullMode(Material* mat, uint32_t mode) {
-  if (mode & kMaterialCullMask) SetMasked(mat->flags, kMaterialCullMask, mode);
+  if (mode & kCullModeMask) SetMasked(mat->flags, kCullModeMask, mode);
 }
 
 E3D_API uint32_t E3D_CALL GetMaterialCullMode(const Material* mat) {
-  return mat->flags & kMaterialCullMask;
+  return mat->flags & kCullModeMask;
 }
 
 // No length limit: a name longer than the field runs over into the record.

@@ -26,9 +26,11 @@ static_assert(__builtin_offsetof(Material, stages) == 68);
 
 namespace e3d {
 
-inline constexpr uint32_t kMaterialShadeMask = 0x7;
-inline constexpr uint32_t kMaterialCullMask = 0x38;
-inline constexpr uint32_t kMaterialRenderOption = 0x40;
+// Mode bits laid out alike in material flags, meshFlags and polygonFlags.
+inline constexpr uint32_t kShadeModeMask = 0x7;
+inline constexpr uint32_t kCullModeMask = 0x38;
+inline constexpr uint32_t kRenderOption = 0x40;  // in polygonFlags: the option of this draw
+
 inline constexpr uint32_t kMaterialColorOpOn = 0x100;
 inline constexpr uint32_t kMaterialRenderMask = 0x700000;
 inline constexpr uint32_t kMaterialStage0 = 0x800000;  // << stage: stage active

@@ -77,9 +77,6 @@ inline constexpr uint32_t kNodeMesh = 0x1;
 inline constexpr uint32_t kNodeMesh2 = 0x2;
 
 // meshFlags.
-inline constexpr uint32_t kMeshShadeMask = 0x7;
-inline constexpr uint32_t kMeshCullMask = 0x38;
-inline constexpr uint32_t kMeshRenderOption = 0x40;
 inline constexpr uint32_t kMeshSkipped = 0x2000;      // not drawn, like a hidden mesh
 inline constexpr uint32_t kMeshHidden = 0x4000;
 inline constexpr uint32_t kMeshValidated = 0x8000;
@@ -94,7 +91,6 @@ inline constexpr uint32_t kMeshBillboardMask = 0x1F0;
 inline constexpr uint32_t kMeshPieceBuilt = 0x1;  // vertex and polygon arrays are blocks of their own
 
 // polygonFlags. Edge e joins corner e and corner e + 1 (mod 3).
-inline constexpr uint32_t kPolygonOption = 0x40;       // render-mode option of this draw
 inline constexpr uint32_t kPolygonBackFacing = 0x80;   // camera sees the back side this draw
 inline constexpr uint32_t kPolygonEdge01 = 0x200;
 inline constexpr uint32_t kPolygonEdge12 = 0x400;

@@ -39,12 +39,12 @@ bool ValidFace(const Mesh* mesh, int32_t polygon) {
 using namespace e3d;
 
 E3D_API void E3D_CALL SetMeshRenderMode(Mesh* node, uint32_t mode) {
-  int64_t bits = RenderBits(mode & ~kMeshRenderOption);
+  int64_t bits = RenderBits(mode & ~kRenderOption);
   ForEachNode(node, [mode, bits](void* n) {
     Mesh* mesh = AsMesh(n);
     if (mesh == nullptr) return;
     if (bits >= 0) SetMasked(mesh->meshFlags, kMeshRenderMask, uint32_t(bits));
-    SetMasked(mesh->meshFlags, kMeshRenderOption, mode);
+    SetMasked(mesh->meshFlags, kRenderOption, mode);
     SetMaterialRenderMode(&mesh->defaultMaterial, mode);
   });
 }
@@ -54,15 +54,15 @@ E3D_API void E3D_CALL SetMeshCullMode(Mesh* node, uint32_t mode) {
   ForEachNode(node, [mode](void* n) {
     Mesh* mesh = AsMesh(n);
     if (mesh != nullptr && (mesh->meshKindFlags & kMeshBillboardMask) == 0)
-      SetMasked(mesh->meshFlags, kMeshCullMask, mode);
+      SetMasked(mesh->meshFlags, kCullModeMask, mode);
   });
 }
 
 E3D_API void E3D_CALL SetMeshShadeMode(Mesh* node, uint32_t mode) {
-  uint32_t shade = mode & kMeshShadeMask;
+  uint32_t shade = mode & kShadeModeMask;
   ForEachNode(node, [shade](void* n) {
     if (Mesh* mesh = AsMesh(n)) {
-      SetMasked(mesh->meshFlags, kMeshShadeMask, shade);
+      SetMasked(mesh->meshFlags, kShadeModeMask, shade);
       SetMaterialShadeMode(&mesh->defaultMaterial, shade);
     }
   });
@@ -83,9 +83,9 @@ E3D_API void E3D_CALL ShowMesh(Mesh* node) {
 
 E3D_API uint32_t E3D_CALL GetMeshRenderMode(const Mesh* mesh) { return mesh->meshFlags & kMeshRenderMask; }
 
-E3D_API uint32_t E3D_CALL GetMeshCullMode(const Mesh* mesh) { return mesh->meshFlags & kMeshCullMask; }
+E3D_API uint32_t E3D_CALL GetMeshCullMode(const Mesh* mesh) { return mesh->meshFlags & kCullModeMask; }
 
-E3D_API uint32_t E3D_CALL GetMeshShadeMode(const Mesh* mesh) { return mesh->meshFlags & kMeshShadeMask; }
+E3D_API uint32_t E3D_CALL GetMeshShadeMode(const Mesh* mesh) { return mesh->meshFlags & kShadeModeMask; }
 
 E3D_API uint32_t E3D_CALL IsHiddenMesh(const Mesh* mesh) { return mesh->meshFlags & kMeshHidden; }
 

@@ -7,11 +7,11 @@
 
 namespace {
 
-// A piece-built mesh grows one element at a time, with no spare room. False
-// (nothing changed) when out of memory.
+// A piece-built mesh grows one element at a time, with `spare` elements of
+// room past the new one. False (nothing changed) when out of memory.
 template <class T>
-bool GrowByOne(T*& array, int32_t count) {
-  T* grown = e3d::Allocate<T>(uint32_t(count) + 1);
+bool GrowByOne(T*& array, int32_t count, uint32_t spare = 0) {
+  T* grown = e3d::Allocate<T>(uint32_t(count) + 1 + spare);
   if (grown == nullptr) return false;
   if (array != nullptr) {
     e3d::MemoryCopy(grown, array, uint32_t(count) * uint32_t(sizeof(T)));
@@ -51,7 +51,8 @@ void SetCorner(MeshPolygon* polygon, int32_t corner, float u, float v) {
 }  // namespace
 
 E3D_API int32_t E3D_CALL AddMeshVertex(Mesh* mesh, float x, float y, float z) {
-  if (!CanGrow(mesh) || !GrowByOne(mesh->vertices, mesh->vertexCount)) return 0;
+  // One vertex of room past the last, where SetMeshVertex writes for the count itself.
+  if (!CanGrow(mesh) || !GrowByOne(mesh->vertices, mesh->vertexCount, 1)) return 0;
   MeshVertex* v = &mesh->vertices[mesh->vertexCount++];
   v->x = x;
   v->y = y;
@@ -59,9 +60,10 @@ E3D_API int32_t E3D_CALL AddMeshVertex(Mesh* mesh, float x, float y, float z) {
   return 1;
 }
 
-// The index test is inclusive: the count itself writes just past the last vertex.
+// The index test is inclusive: the count itself writes just past the last
+// vertex, into room every vertex array keeps; a mesh without vertices has none.
 E3D_API int32_t E3D_CALL SetMeshVertex(Mesh* mesh, int32_t index, float x, float y, float z) {
-  if (index < 0 || index > mesh->vertexCount) return 0;
+  if (index < 0 || index > mesh->vertexCount || mesh->vertices == nullptr) return 0;
   MeshVertex* v = &mesh->vertices[index];
   v->x = x;
   v->y = y;
@@ -72,7 +74,8 @@ E3D_API int32_t E3D_CALL SetMeshVertex(Mesh* mesh, int32_t index, float x, float
 // A refused triangle leaves its new slot in place, unset.
 E3D_API int32_t E3D_CALL AddMeshTriPolygon(Mesh* mesh, int32_t a, int32_t b, int32_t c,
                                            uint32_t unused, uint32_t group) {
-  if (!CanGrow(mesh) || !GrowByOne(mesh->polygons, mesh->meshPolygonCount)) return 0;
+  // One polygon of room past the last, where the texture-coordinate setters write for the count.
+  if (!CanGrow(mesh) || !GrowByOne(mesh->polygons, mesh->meshPolygonCount, 1)) return 0;
   int32_t index = mesh->meshPolygonCount++;
   return SetMeshTriPolygon(mesh, index, a, b, c, unused, group);
 }
@@ -102,7 +105,7 @@ E3D_API int32_t E3D_CALL SetMeshQuadPolygon(Mesh* mesh, int32_t index, int32_t a
 // As with vertices, the slot test is inclusive of the count.
 E3D_API void E3D_CALL SetMeshTriTexCoords(Mesh* mesh, int32_t index, float u1, float v1,
                                           float u2, float v2, float u3, float v3) {
-  if (index < 0 || index > mesh->meshPolygonCount) return;
+  if (index < 0 || index > mesh->meshPolygonCount || mesh->polygons == nullptr) return;
   MeshPolygon* p = &mesh->polygons[index];
   SetCorner(p, 2, u1, v1);
   SetCorner(p, 1, u2, v2);
@@ -113,7 +116,7 @@ E3D_API void E3D_CALL SetMeshTriTexCoords(Mesh* mesh, int32_t index, float u1, f
 E3D_API void E3D_CALL SetMeshQuadTexCoords(Mesh* mesh, int32_t index, float u1, float v1,
                                            float u2, float v2, float u3, float v3, float u4,
                                            float v4) {
-  if (index < 0 || index > mesh->meshPolygonCount - 1) return;
+  if (index < 0 || index > mesh->meshPolygonCount - 1 || mesh->polygons == nullptr) return;
   MeshPolygon* p = &mesh->polygons[index];
   SetCorner(p, 0, u4, v4);
   SetCorner(p, 1, u2, v2);

@@ -128,7 +128,15 @@ void LightPolygonCorners(const Mesh* mesh, MeshPolygon* polygon, uint32_t render
     }
     ClearSums();
     lighting.vertex = &mesh->vertices[vertex];
-    const Vector3* normal = &mesh->normals[normalIndex];
+    // A mesh activated without vertex normals (or whose polygons outgrew them)
+    // lights its corners with the face's own normal rather than reading past them.
+    Vector3 faceNormal;
+    const Vector3* normal = &faceNormal;
+    if (mesh->normals != nullptr && normalIndex >= 0 && normalIndex < mesh->normalCount) {
+      normal = &mesh->normals[normalIndex];
+    } else {
+      faceNormal = {polygon->plane[0], polygon->plane[1], polygon->plane[2]};
+    }
     ForEachEnabledLight(mesh, [&table, normal](Light* light) {
       lighting.light = light;
       table[LightType(light)](normal);

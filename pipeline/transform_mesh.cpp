@@ -14,7 +14,7 @@ inline constexpr uint32_t kCullNone = 8;
 inline constexpr uint32_t kCullFront = 16;  // draw polygons facing the camera
 inline constexpr uint32_t kCullBack = 32;   // draw polygons facing away
 inline constexpr uint32_t kMaterialTwoSided = 8;
-inline constexpr uint32_t kFacingBits = kPolygonOption | kPolygonBackFacing;
+inline constexpr uint32_t kFacingBits = kRenderOption | kPolygonBackFacing;
 inline constexpr uint32_t kEnvironmentOnly = 0x02000000;  // texture stage 2 alone
 
 inline float Facing(const MeshPolygon* p, const Vector3& eye, const Vector3& pivot) {
@@ -42,7 +42,7 @@ int32_t WalkPolygons(Mesh* mesh) {
     if (kBillboard) {
       p->polygonFlags &= ~kFacingBits;
     } else {
-      cull = meshFlags & kMeshCullMask;
+      cull = meshFlags & kCullModeMask;
       if (cull & kCullFront) facing = p->backMaterial;
       if (facing->flags & kMaterialTwoSided) cull = kCullNone;
     }
@@ -51,7 +51,7 @@ int32_t WalkPolygons(Mesh* mesh) {
     if (cull == kCullBack && !(f < 0.0f)) continue;
 
     // The key decision reads the option bit as the previous draw left it.
-    const bool keyed = !kDepth || facing->alphaMode != 0 || (p->polygonFlags & kPolygonOption) != 0;
+    const bool keyed = !kDepth || facing->alphaMode != 0 || (p->polygonFlags & kRenderOption) != 0;
     const int32_t* vi = p->vertexIndex;
     const bool rejected = keyed ? FetchTriangle(mesh, vi[0], vi[1], vi[2], &drawState.sortedCursor->depthKey)
                                 : FetchTriangleNoKey(mesh, vi[0], vi[1], vi[2]);
@@ -60,13 +60,13 @@ int32_t WalkPolygons(Mesh* mesh) {
     const Material* material = p->material;
     if (!kBillboard) {
       if (f >= 0.0f) {
-        p->polygonFlags = (p->polygonFlags | kPolygonBackFacing) & ~kPolygonOption;
+        p->polygonFlags = (p->polygonFlags | kPolygonBackFacing) & ~kRenderOption;
         material = p->backMaterial;
       } else {
         p->polygonFlags &= ~kFacingBits;
       }
     }
-    if (meshFlags & material->flags & kPolygonOption) p->polygonFlags |= kPolygonOption;
+    if (meshFlags & material->flags & kRenderOption) p->polygonFlags |= kRenderOption;
 
     const uint32_t modes = meshFlags & p->polygonFlags & material->flags & kMeshRenderMask;
     uint32_t renderFlags;
@@ -80,7 +80,7 @@ int32_t WalkPolygons(Mesh* mesh) {
     if ((modes & kMaterialStageMask) == kEnvironmentOnly && mesh->normals != nullptr) ComputeEnvironmentCoords(mesh, p);
 
     PolygonRecord* record;
-    if (kDepth && material->alphaMode == 0 && (p->polygonFlags & kPolygonOption) == 0) {
+    if (kDepth && material->alphaMode == 0 && (p->polygonFlags & kRenderOption) == 0) {
       record = drawState.opaqueCursor--;
       drawState.opaqueCount++;
     } else {

@@ -87,7 +87,7 @@ void PlaceTexels(const MeshPolygon* face, const TextureStage* stage, bool cut) {
   if (stage->stageFlags & kStageMipChain) {
     const float w = static_cast<float>(stage->levelWidths[0]);
     const float h = static_cast<float>(stage->levelHeights[0]);
-    const float screen = TwiceArea(p.count, [&p](int32_t i, float* x, float* y) {
+    const float screen = TwiceArea(p.count, [&](int32_t i, float* x, float* y) {
       *x = p.in[i].screenX, *y = p.in[i].screenY;
     });
     const float texels = cut ? TwiceArea(p.count, [&](int32_t i, float* x, float* y) {

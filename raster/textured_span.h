@@ -51,10 +51,10 @@ struct TexturedParams {
 // linearly in between.
 struct PerspectiveTexels {
   double uz, vz, iz, duz, dvz, diz;  // at the span's first pixel, and per pixel
-  int32_t left;
-  int32_t u, v, du, dv;
-  int32_t nextU, nextV;
-  bool haveNext;
+  int32_t left = 0;
+  int32_t u = 0, v = 0, du = 0, dv = 0;
+  int32_t nextU = 0, nextV = 0;
+  bool haveNext = false;
 
   static int32_t Fixed(double t) {
     constexpr int64_t kLimit = int64_t{1} << 29;  // 8192 texels: far beyond any level

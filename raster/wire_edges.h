@@ -27,7 +27,7 @@ struct WireFace {
   const MeshPolygon* face;
   const MeshVertex* vertices;
   const Camera* camera;
-  float nearPlane, horizontal, vertical;
+  float nearPlane = 0, horizontal = 0, vertical = 0;  // read only with a camera
 
   // False when the face draws nothing: blended at level 0, or no target.
   bool SetUp(const MeshPolygon* f, const MeshVertex* v, bool depthTested) {

@@ -24,6 +24,7 @@ class LightingTest : public testhost::LeakCheckedTest {
     e3d::MatrixIdentity(&mesh.worldMatrix);
     mesh.vertices = vertices;
     mesh.normals = normals;
+    mesh.normalCount = 3;
     mesh.lightList = list;
     for (int i = 0; i < 3; i++) polygon.vertexIndex[i] = polygon.normalIndex[i] = i;
     polygon.plane[2] = 1;  // the plane z = 0, normal +z
@@ -177,6 +178,22 @@ TEST_F(LightingTest, CornerColoursAreEightBitsEach) {
   EXPECT_EQ(polygon.colors[0], (61u << 16) | (72u << 8) | 38u);  // 50+11, 50+22, 6.25+32
   EXPECT_EQ(polygon.colors[1], (11u << 16) | (22u << 8) | 32u);
   EXPECT_EQ(polygon.colors[2], polygon.colors[1]);
+}
+
+// Normals all along the face's own: without them, or past their end, the
+// corners are lit by the face normal and come out the same.
+TEST_F(LightingTest, CornersWithoutNormalsUseTheFaceNormal) {
+  MakeLight(0, 3, Vector3{0, 0, -15});
+  e3d::LightPolygonCorners(&mesh, &polygon, 7, &material);
+  const uint32_t lit[3] = {polygon.colors[0], polygon.colors[1], polygon.colors[2]};
+  mesh.normals = nullptr;
+  e3d::LightPolygonCorners(&mesh, &polygon, 7, &material);
+  EXPECT_TRUE(polygon.colors[0] == lit[0] && polygon.colors[1] == lit[1] && polygon.colors[2] == lit[2]);
+  mesh.normals = normals;
+  polygon.normalIndex[1] = 3;
+  polygon.colors[1] = 0;
+  e3d::LightPolygonCorners(&mesh, &polygon, 7, &material);
+  EXPECT_EQ(polygon.colors[1], lit[1]);
 }
 
 TEST_F(LightingTest, ShadeModesAndHeadlight) {

@@ -117,8 +117,11 @@ TEST_F(MeshTest, RefusalsLeaveTheMeshUnchanged) {
   DeleteMesh(mesh);
 }
 
-TEST_F(MeshTest, PieceBuiltMeshGrowsByExactlyOne) {
+TEST_F(MeshTest, PieceBuiltMeshGrowsOneAtATime) {
   Mesh* mesh = CreateMesh(0, 0, 0);
+  // Nothing to write into yet, not even at the count itself.
+  EXPECT_EQ(SetMeshVertex(mesh, 0, 1, 1, 1), 0);
+  SetMeshTriTexCoords(mesh, 0, 9, 9, 9, 9, 9, 9);
   for (auto& v : kSquare) ASSERT_EQ(AddMeshVertex(mesh, v[0], v[1], v[2]), 1);
   EXPECT_EQ(AddMeshTriPolygon(mesh, 0, 1, 2, 0, 3), 1);
   EXPECT_EQ(mesh->polygons[0].polygonFlags, 0x00700E47u | (3u << 12));
@@ -126,7 +129,11 @@ TEST_F(MeshTest, PieceBuiltMeshGrowsByExactlyOne) {
   EXPECT_EQ(AddMeshTriPolygon(mesh, 0, 0, 1, 0, 0), 0);
   EXPECT_EQ(mesh->meshPolygonCount, 2);
   EXPECT_EQ(Blocks(), 3u);
-  EXPECT_EQ(BlockBytes(), sizeof(Mesh) + 4 * sizeof(MeshVertex) + 2 * sizeof(MeshPolygon));
+  // Each array keeps one element of room for the setters' inclusive index tests.
+  EXPECT_EQ(BlockBytes(), sizeof(Mesh) + 5 * sizeof(MeshVertex) + 3 * sizeof(MeshPolygon));
+  EXPECT_EQ(SetMeshVertex(mesh, 4, 9, 9, 9), 1);
+  SetMeshTriTexCoords(mesh, 2, 9, 9, 9, 9, 9, 9);
+  SetMeshQuadTexCoords(mesh, 1, 9, 9, 9, 9, 9, 9, 9, 9);
   // Out of memory while growing refuses and keeps what was there.
   testhost::FailAllocation(1);
   EXPECT_EQ(AddMeshVertex(mesh, 5, 5, 5), 0);

@@ -6,9 +6,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 dir=${E3D_BENCH_DIR:-build/bench}
-# g++ 12 at -O3 reports members of some drawers as maybe used uninitialised,
-# which the -O2 builds do not: let those stay warnings here.
-cmake --preset bench -B "$dir" -DCMAKE_CXX_FLAGS=-Wno-error=maybe-uninitialized > /dev/null
+cmake --preset bench -B "$dir" > /dev/null
 cmake --build "$dir" -j2 --target engine3d_bench
 exec "$dir/bench/engine3d_bench" --benchmark_counters_tabular=true --benchmark_repetitions=5 \
   --benchmark_report_aggregates_only=true "$@"

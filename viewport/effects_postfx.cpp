@@ -64,7 +64,7 @@ E3D_API void E3D_CALL DrawViewportPostFX(Viewport* vp) {
   SetRenderInfos(vp, nullptr);
 
   const uint32_t flags = m->flags;
-  const uint32_t renderWord = (flags & ~kMaterialShadeMask) | kNoneShade;
+  const uint32_t renderWord = (flags & ~kShadeModeMask) | kNoneShade;
   const TriangleDrawer drawer = ChooseDrawer(renderWord, ViewportHasDepth(vp));
   const ViewportClip clip = ViewportClipBounds(vp);
   SetClipWindow(clip.left, clip.right, clip.top, clip.bottom);

@@ -7,6 +7,7 @@
 #include <math.h>
 #include <stdio.h>
 #include <string.h>
+#include <strings.h>
 #include <sys/stat.h>
 
 #include <assimp/Importer.hpp>
@@ -21,8 +22,11 @@ namespace {
 
 // The node tree is walked here rather than flattened by the importer, whose
 // flattening step crashes on some files.
-constexpr unsigned kImportFlags = aiProcess_JoinIdenticalVertices | aiProcess_GenSmoothNormals |
-                                  aiProcess_SortByPType | aiProcess_FlipUVs | aiProcess_FindInvalidData;
+// Validation runs first: the other steps trust face indices and would read past
+// the vertices of a damaged file.
+constexpr unsigned kImportFlags = aiProcess_ValidateDataStructure | aiProcess_JoinIdenticalVertices |
+                                  aiProcess_GenSmoothNormals | aiProcess_SortByPType | aiProcess_FlipUVs |
+                                  aiProcess_FindInvalidData;
 
 // A mesh placed by a node: the same mesh may be placed several times.
 struct Instance {
@@ -247,6 +251,30 @@ ModelStatus Builder::Build(const aiMesh* src, const aiMatrix4x4& place, const st
   return kModelOk;
 }
 
+// The PLY reader waits for its "end_header" line and never returns on a file
+// that lacks one, so such a file is refused before the reader sees it.
+bool PlyWithoutHeaderEnd(const char* path) {
+  FILE* file = fopen(path, "rb");
+  if (file == nullptr) return false;
+  char buffer[4096];
+  size_t have = fread(buffer, 1, sizeof buffer, file);
+  bool refused = false;
+  if (have >= 3 && strncasecmp(buffer, "ply", 3) == 0) {
+    static const char kEnd[] = "end_header";
+    constexpr size_t kKeep = sizeof kEnd - 2;  // a match may straddle two reads
+    refused = true;
+    while (refused && have > 0) {
+      if (memmem(buffer, have, kEnd, sizeof kEnd - 1) != nullptr) refused = false;
+      const size_t kept = have < kKeep ? have : kKeep;
+      memmove(buffer, buffer + have - kept, kept);
+      const size_t read = fread(buffer + kept, 1, sizeof buffer - kept, file);
+      have = read > 0 ? kept + read : 0;
+    }
+  }
+  fclose(file);
+  return refused;
+}
+
 ModelStatus Fail(ModelStatus status, std::string* error, std::string message) {
   *error = std::move(message);
   return status;
@@ -283,6 +311,8 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   struct stat st;
   if (stat(path, &st) != 0) return Fail(kModelUnreadable, error, std::string(path) + ": no such file");
   if (!S_ISREG(st.st_mode)) return Fail(kModelUnreadable, error, std::string(path) + ": not a file");
+  if (PlyWithoutHeaderEnd(path))
+    return Fail(kModelUnreadable, error, std::string(path) + ": PLY header without end_header");
   Assimp::Importer importer;
   importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, 80.0f);
   const aiScene* ai = importer.ReadFile(path, 0);
@@ -296,7 +326,7 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
                     std::to_string(options.maxPolygons) + " a scene can count");
   const aiScene* cleaned = importer.ApplyPostProcessing(kImportFlags);
   // The cleaning steps refuse some files outright that can still be drawn in part.
-  ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_FlipUVs);
+  ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_ValidateDataStructure | aiProcess_FlipUVs);
   if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
 
   // Count first: refuse before allocating anything.
