@@ -1,13 +1,12 @@
 // Short cuts of the draw that must not change a bit: the short path of the
 // float conversion, and the corner colours remembered in a walk.
 #include <limits>
-#include <vector>
 
+#include "draw_fixture.h"
 #include "engine/math.h"
 #include "objects/light.h"
 #include "objects/mesh.h"
 #include "pipeline/lighting.h"
-#include "support/test_host.h"
 
 namespace {
 
@@ -26,19 +25,14 @@ TEST(FloatToInt, ShortPathAgreesWithTheWideRoutine) {
 // A Gouraud sphere lit by an omni and a direct light: every corner colour a
 // draw leaves must be what the corner's own lighting gives, and a change of
 // light or material between draws must show in the next one.
-class CornerMemoTest : public testhost::LeakCheckedTest {};
+class CornerMemoTest : public DrawFixture<160, 120> {
+ protected:
+  void SetUp() override { Start({0, 20, -200}, 0); }
+};
 
 TEST_F(CornerMemoTest, DrawnCornersMatchTheirOwnLighting) {
-  InitEngine3D();
-  std::vector<uint16_t> pixels(160 * 120);
-  SurfaceDesc surface{};
-  surface.pixels = pixels.data();
-  surface.width = 160, surface.height = 120, surface.pitch = 320;
-  Viewport* vp = CreateViewport(&surface, 160, 120, 1);
-  SetViewportType(vp, E3D_VIEWPORT_ENABLED | 1);
-  const Vector3 eye{0, 20, -200}, at{0, 0, 0}, lamp{-80, 60, -90}, sky{50, 100, -50};
-  Camera* camera = CreateCamera(&eye, &at, 0, 60, 10);
-  SetViewportCamera(vp, camera);
+  Viewport* vp = Target(true);
+  const Vector3 at{0, 0, 0}, lamp{-80, 60, -90}, sky{50, 100, -50};
   Mesh* sphere = ValidateMesh(SphereCreate(50, nullptr, 12, 16, 0xC08040));
   SetMeshShadeMode(sphere, 7);
   SetMeshViewport(sphere, vp);
@@ -83,9 +77,6 @@ TEST_F(CornerMemoTest, DrawnCornersMatchTheirOwnLighting) {
   DeleteMesh(sphere);
   DeleteLight(omni);
   DeleteLight(direct);
-  DeleteCamera(camera);
-  DeleteViewport(vp);
-  ReleaseEngine3D();
 }
 
 }  // namespace

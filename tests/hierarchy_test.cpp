@@ -7,31 +7,19 @@ namespace {
 
 using HierarchyTest = SceneFixture;
 
-// Areas after every kind of move are checked by the random scene sequences;
-// here the moves themselves, step by step.
-TEST_F(HierarchyTest, MeshTreesSortInTheRootsArea) {
+// Areas, counts and refusals after every kind of move are checked by the
+// random scene sequences; here what those do not reach.
+TEST_F(HierarchyTest, AChildMovesOutOfItsSceneAndAloneWhenShortOfMemory) {
   Scene* s = CreateScene();
   Scene* elsewhere = CreateScene();
   Mesh *a = Polygons(6), *b = Polygons(10), *c = Polygons(4), *d = Polygons(2);
   AssignMeshToScene(s, a, 0);
   AssignMeshToScene(elsewhere, b, 0);
   EXPECT_EQ(AttachChildToNode(a, b), 1);  // b leaves its scene for a's tree
-  EXPECT_TRUE(b->parent == a && a->children[0] == b && elsewhere->firstMesh == nullptr && OwnAreaBytes(b) == 0u);
-  EXPECT_EQ(AssignMeshToScene(elsewhere, b, 0), nullptr);  // a child never by itself
-  AttachChildToNode(b, c);
-  EXPECT_TRUE(b->sortPolygonCount == 14 && a->sortPolygonCount == 20 && SceneAreaBytes(s) == Bytes(20));
-
-  // b goes with c below it: b becomes a root with an area for both.
-  EXPECT_EQ(DetachChildFromNode(a, c), 0);
+  EXPECT_TRUE(b->parent == a && elsewhere->firstMesh == nullptr && OwnAreaBytes(b) == 0u);
   EXPECT_EQ(DetachChildFromNode(a, b), 1);
-  EXPECT_TRUE(a->children == nullptr && b->parent == nullptr);
-  EXPECT_TRUE(SceneAreaBytes(s) == Bytes(6) && OwnAreaBytes(b) == Bytes(14));
-  // Moving a child detaches it from its old parent first; no cycles.
   AttachChildToNode(b, d);
   AttachChildToNode(d, c);
-  EXPECT_TRUE(b->childCount == 1 && d->sortPolygonCount == 6 && b->sortPolygonCount == 16);
-  EXPECT_EQ(AttachChildToNode(c, b) + AttachChildToNode(b, b), 0);
-
   // Short of memory for the children array: refused, the child stands alone.
   testhost::FailAllocation(3);  // detach: b's area, d's area; attach: the array
   EXPECT_EQ(AttachChildToNode(a, d), 0);

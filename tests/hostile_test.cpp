@@ -4,62 +4,38 @@
 // tell from a deletion. (An inside-out scissor is in the fuzz corpus.)
 #include <cmath>
 #include <limits>
-#include <vector>
 
-#include "mesh_fixture.h"
+#include "draw_fixture.h"
 #include "objects/material.h"
+#include "objects/mesh.h"
 #include "raster/clip.h"
-#include "viewport/viewport.h"
 
 namespace {
 
-constexpr int kW = 32, kH = 24;
 constexpr uint16_t kBackdrop = 0x0421;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
-class HostileTest : public MeshFixture {
+class HostileTest : public DrawFixture<32, 24> {
  protected:
   void SetUp() override {
-    MeshFixture::SetUp();
-    InitRenderTables();
-    SurfaceDesc s{};
-    s.pixels = pixels_.data(), s.width = kW, s.height = kH, s.pitch = kW * 2;
-    vp_ = CreateViewport(&s, kW, kH, 0);
-    SetViewportType(vp_, E3D_VIEWPORT_ENABLED | 1);
-    const Vector3 eye{0, 0, -100}, at{0, 0, 0};
-    camera_ = CreateCamera(&eye, &at, 0, 60, 10);
-    SetViewportCamera(vp_, camera_);
+    Start({0, 0, -100}, kBackdrop);
+    Target(false);
   }
   // A white square over the whole viewport, both sides drawn, for DrawMesh.
-  Mesh* Square() {
-    Mesh* mesh = CreateMesh(4, 2, 0);
-    const float corners[4][2] = {{-100, -100}, {100, -100}, {100, 100}, {-100, 100}};
-    for (int i = 0; i < 4; ++i) SetMeshVertex(mesh, i, corners[i][0], corners[i][1], 0);
-    SetMeshTriPolygon(mesh, 0, 0, 2, 1, 0, 0);
-    SetMeshTriPolygon(mesh, 1, 0, 3, 2, 0, 0);
-    mesh = ValidateMesh(mesh);
-    SetMeshShadeMode(mesh, 1);
+  Mesh* Cover() {
+    Mesh* mesh = Square(100);
     SetMeshCullMode(mesh, 0x08);
     SetMaterialColor(GetMeshDefaultMaterial(mesh), 1, 255, 255, 255);
     SetMeshViewport(mesh, vp_);
     return mesh;
   }
-  void TearDown() override {
-    DeleteCamera(camera_);
-    DeleteViewport(vp_);
-    ReleaseRenderTables();
-    MeshFixture::TearDown();
-  }
   // Pixels changed outside columns l..r - 1, rows t..b - 1.
-  int Outside(int l, int r, int t, int b) const {
+  int Outside(int l, int r, int t, int b) {
     int n = 0;
     for (int y = 0; y < kH; ++y)
-      for (int x = 0; x < kW; ++x) n += (x < l || x >= r || y < t || y >= b) && pixels_[y * kW + x] != kBackdrop;
+      for (int x = 0; x < kW; ++x) n += (x < l || x >= r || y < t || y >= b) && Pixel(x, y) != kBackdrop;
     return n;
   }
-  std::vector<uint16_t> pixels_ = std::vector<uint16_t>(kW * kH, kBackdrop);
-  Viewport* vp_ = nullptr;
-  Camera* camera_ = nullptr;
 };
 
 // A NaN screen position became 0 on its way into the walker, so a triangle
@@ -67,12 +43,12 @@ class HostileTest : public MeshFixture {
 // scissor; an infinite one likewise. Such polygons are left out.
 TEST_F(HostileTest, PolygonsWithUnusableVerticesAreLeftOut) {
   SetViewportScissor(vp_, 8, 24, 6, 18);
-  Mesh* mesh = Square();
+  Mesh* mesh = Cover();
   DrawMesh(mesh);
   EXPECT_EQ(Outside(8, 24, 6, 18), 0);
-  EXPECT_NE(pixels_[12 * kW + 16], kBackdrop);
+  EXPECT_NE(Pixel(16, 12), kBackdrop);
   for (float bad : {kNaN, std::numeric_limits<float>::infinity(), 1e35f}) {
-    std::fill(pixels_.begin(), pixels_.end(), kBackdrop);
+    Clear();
     SetMeshVertex(mesh, 2, bad, 20, 0);  // past its box: still drawn
     DrawMesh(mesh);
     EXPECT_EQ(Outside(8, 24, 6, 18), 0) << bad;
@@ -145,8 +121,8 @@ TEST_F(HostileTest, AClippedPolygonWithANaNCornerIsNotDrawn) {
 // deleting the scene freed it with the top mesh while holding it as the next.
 TEST_F(HostileTest, DeletingASceneFreesEachMeshOnce) {
   Scene* scene = CreateScene();
-  Mesh* top = Square();
-  Mesh* below = Square();
+  Mesh* top = Cover();
+  Mesh* below = Cover();
   const Vector3 at{0, 0, 0};
   const float white[4] = {1, 1, 1, 1};
   Light* light = CreateOmniLight(&at, white, 1, 1, 10, 0);

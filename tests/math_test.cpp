@@ -188,21 +188,6 @@ TEST(Matrices, Builders) {
   ExpectPoint(m, {0, 0, 1}, 1, 0, 0);
   MatrixRotationZ(&m, 90);
   ExpectPoint(m, {1, 0, 0}, 0, 1, 0);
-
-  // Euler angles turn about x first, then y, then z; Multiply3x3(a, b) is b a.
-  Vector3 euler = {30, -50, 70};
-  Matrix34 rx, ry, rz, ryx, all;
-  MatrixRotationX(&rx, euler.x);
-  MatrixRotationY(&ry, euler.y);
-  MatrixRotationZ(&rz, euler.z);
-  MatrixMultiply3x3(&rx, &ry, &ryx);
-  MatrixMultiply3x3(&ryx, &rz, &all);
-  MatrixFromEuler(&m, &euler);
-  for (int i : {0, 1, 2, 4, 5, 6, 8, 9, 10}) EXPECT_NEAR(m.m[i], all.m[i], 1e-6f);
-  // A quaternion need not be unit length.
-  Quaternion q = {0, 0, 3 * std::sqrt(0.5f), 3 * std::sqrt(0.5f)};
-  QuaternionToMatrix(&q, &m);
-  ExpectPoint(m, {1, 0, 0}, 0, 1, 0);
 }
 
 TEST(Matrices, TransformsAndInverses) {
@@ -215,18 +200,6 @@ TEST(Matrices, TransformsAndInverses) {
   MatrixInvertRigid(&m, &inv);
   MatrixTransformPoint(&m, &p);  // back where it was only if the inverse was right
   ExpectPoint(inv, p, 1, 2, 3, true);
-
-  // Object to view: the viewer's rotation applied to the object's point
-  // relative to the viewer's position.
-  Matrix34 view, rel;
-  MatrixRotationY(&view, 40);
-  view.m[3] = 1, view.m[7] = 2, view.m[11] = -3;
-  MatrixMultiplyRelative(&m, &view, &rel);
-  Vector3 world = {0.5f, -1, 2};
-  MatrixTransformPoint(&m, &world);
-  world = {world.x - 1, world.y - 2, world.z + 3};
-  MatrixTransformPoint(&view, &world);  // plus view's T, taken off below
-  ExpectPoint(rel, {0.5f, -1, 2}, world.x - 1, world.y - 2, world.z + 3, true);
 }
 
 TEST(Matrices, LookAt) {

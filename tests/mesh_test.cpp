@@ -38,9 +38,6 @@ TEST_F(MeshTest, CreationLayoutAndDefaults) {
   Mesh* mesh = CreateMesh(33, 6, 0xFF8000);
   ASSERT_NE(mesh, nullptr);
   EXPECT_EQ(Blocks(), 2u);  // the block and the own sort area
-#if defined(__i386__)
-  EXPECT_EQ(BlockBytes(), 5100u + 4 * 2 + 40 * 33 + 112 * 6 + 20 * 6);
-#endif
   EXPECT_EQ(BlockBytes(), e3d::MeshBlockBytes(33, 6) + 4 * 6 + 6 * sizeof(PolygonRecord));
   // Record, vertices, vertex bits, polygons, light list: in this order, in one block.
   char* base = reinterpret_cast<char*>(mesh);
@@ -178,17 +175,9 @@ TEST_F(MeshTest, ValidationFailures) {
   EXPECT_EQ(ValidateMesh(PieceSquare(0)), nullptr);
   EXPECT_EQ(ValidateMesh(CreateMesh(0, 0, 0)), nullptr);
   EXPECT_EQ(Blocks(), 0u);
-  // Piece-built with an unset slot (a refused triangle left it): the copy is
-  // dropped and the source kept as it was.
-  Mesh* mesh = PieceSquare();
-  AddMeshTriPolygon(mesh, 1, 1, 2, 0, 0);
-  const auto record = Bytes(mesh, sizeof(Mesh));
-  EXPECT_EQ(ValidateMesh(mesh), nullptr);
-  EXPECT_TRUE(Bytes(mesh, sizeof(Mesh)) == record);
-  EXPECT_EQ(Blocks(), 3u);
-  DeleteMesh(mesh);
+  // (A refused piece-built mesh is kept as it was: see the hostile inputs.)
   // One-block with a polygon never set: refused, nothing changes.
-  mesh = Square(4, 3);
+  Mesh* mesh = Square(4, 3);
   SetMeshQuadPolygon(mesh, 0, 0, 1, 2, 3, 0, 0);
   const auto block = Bytes(mesh, e3d::MeshBlockBytes(4, 3));
   EXPECT_EQ(ValidateMesh(mesh), nullptr);
@@ -197,24 +186,6 @@ TEST_F(MeshTest, ValidationFailures) {
   EXPECT_EQ(ValidateMesh(mesh), mesh);
   EXPECT_NE(mesh->meshFlags & 0x8000, 0u);
   DeleteMesh(mesh);
-}
-
-// Every allocation of creation and validation can fail: the result is null and
-// nothing is left behind; retrying with the next one eventually succeeds.
-TEST_F(MeshTest, OutOfMemoryAnywhereLeavesNothingBehind) {
-  for (int which = 0; which < 4; which++) {  // create empty, create, validate two kinds
-    for (long n = 1;; n++) {
-      ASSERT_LT(n, 40) << which << " never succeeded";
-      Mesh* src = which == 2 ? PieceSquare() : which == 3 ? Square(4, 1) : nullptr;
-      if (which == 3) SetMeshTriPolygon(src, 0, 0, 1, 2, 0, 0);
-      testhost::FailAllocation(n);
-      Mesh* mesh = src ? ValidateMesh(src) : CreateMesh(which * 40, which * 30, 0);
-      testhost::FailAllocation(0);
-      DeleteMesh(mesh);
-      EXPECT_EQ(Blocks(), 0u) << which << ": failing allocation " << n;
-      if (mesh != nullptr) break;
-    }
-  }
 }
 
 }  // namespace

@@ -98,6 +98,12 @@ Mesh* Piece() {
 }
 
 void Nothing(World&) {}
+// Refused for memory, validation deletes the mesh it was given.
+bool Validate(World& w) {
+  Mesh* m = w.c;
+  w.c = nullptr;
+  return (w.made = ValidateMesh(m)) != nullptr;
+}
 
 const std::vector<Case>& Cases() {
   static const std::vector<Case> cases = {
@@ -116,19 +122,9 @@ const std::vector<Case>& Cases() {
          EXPECT_EQ(w.made->meshPolygonCount, ok ? 3 : 2);
          return ok;
        }},
-      // Refused for memory, validation deletes the mesh it was given.
-      {"ValidateMesh piece-built", [](World& w) { w.c = Piece(); },
-       [](World& w) {
-         Mesh* m = w.c;
-         w.c = nullptr;
-         return (w.made = ValidateMesh(m)) != nullptr;
-       }},
+      {"ValidateMesh piece-built", [](World& w) { w.c = Piece(); }, Validate},
       {"ValidateMesh one-block", [](World& w) { w.c = CreateMesh(3, 1, 0), SetMeshTriPolygon(w.c, 0, 0, 1, 2, 0, 0); },
-       [](World& w) {
-         Mesh* m = w.c;
-         w.c = nullptr;
-         return (w.made = ValidateMesh(m)) != nullptr;
-       }},
+       Validate},
       {"CalcMeshVerticesNormal", [](World& w) { w.Meshes(); }, [](World& w) { return CalcMeshVerticesNormal(w.a), true; }, true},
       {"CreateAABB", [](World& w) { w.Meshes(); }, [](World& w) { return (w.made = CreateAABB(w.a)) != nullptr; }},
       {"generators", Nothing,
@@ -152,20 +148,12 @@ const std::vector<Case>& Cases() {
       {"CreateMaterial", [](World& w) { w.Meshes(); },
        [](World& w) { return (w.material = CreateMaterial(GetMeshDefaultMaterial(w.a))) != nullptr; }},
       {"CreateCheckerTexture", Nothing, [](World& w) { return (w.texture = CreateCheckerTexture(8, 4, 2, 0, 0x7FFF)) != nullptr; }},
-      // A level that cannot be made ends the chain: it and those after it are empty.
+      // Where the chain ends on a refused level is the texture tests' concern.
       {"CreateMMTexture", Nothing,
        [](World& w) {
          w.chain.levelPixels[0] = w.pixels, w.chain.levelWidths[0] = w.chain.levelHeights[0] = 16;
          w.chain.levelPitches[0] = 32;
-         CreateMMTexture1555(&w.chain);
-         for (int i = 1; i < 4; ++i) {
-           const bool empty = w.chain.levelPixels[i] == nullptr;
-           EXPECT_EQ(empty, w.chain.levelWidths[i] == 0 && w.chain.levelHeights[i] == 0);
-           if (empty && i < 3) {
-             EXPECT_EQ(w.chain.levelPixels[i + 1], nullptr);
-           }
-         }
-         return true;
+         return CreateMMTexture1555(&w.chain), true;
        },
        true},
       {"CreateCamera", Nothing,
@@ -267,9 +255,7 @@ TEST_F(ResilienceTest, EveryAllocatingCallSurvivesEachRefusal) {
       const bool refused = testhost::Allocations() - before >= size_t(n);
       testhost::FailAllocation(0);
       ExpectIntact(w.scene);
-      if (refused && !c.completes) {
-        EXPECT_FALSE(ok);
-      }
+      EXPECT_TRUE(!refused || c.completes || !ok) << "a refused call reports success";
       w.Clear();
       EXPECT_EQ(testhost::LiveBlocks(), live);
       if (!refused) {

@@ -4,34 +4,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
-#include "engine3d.h"
-#include "support/test_host.h"
+#include "draw_fixture.h"
 
 namespace {
 
-constexpr int kW = 160, kH = 120;
-constexpr int kPitch = kW + 6;  // guard columns right of every row
-constexpr uint16_t kGuard = 0xBEEF, kBackground = 0x0C63;
-
-class SceneImage : public testhost::LeakCheckedTest {
+class SceneImage : public DrawFixture<160, 120> {
  protected:
-  void SetUp() override {
-    ReleaseEngine3D();  // process-wide: start from nothing
-    LeakCheckedTest::SetUp();
-    InitEngine3D();
-    buffer_.assign(kPitch * (kH + 2), kGuard);  // and a guard row above and below
-    scene_ = CreateScene();
-    const Vector3 eye{0, 30, -220}, at{0, 0, 0};
-    AssignCameraToScene(scene_, CreateCamera(&eye, &at, 0, 60, 10));
-  }
-  void TearDown() override {
-    DeleteWholeScene(scene_);
-    if (vp_ != nullptr) DeleteViewport(vp_);
-    ReleaseEngine3D();
-    LeakCheckedTest::TearDown();
-  }
+  void SetUp() override { Start({0, 30, -220}, 0x0C63); }
 
   Mesh* Add(Mesh* mesh, float x, float y, float z, uint32_t shade) {
     ActivateMesh(mesh);
@@ -40,53 +20,23 @@ class SceneImage : public testhost::LeakCheckedTest {
     return mesh;
   }
   Mesh* Show(Mesh* mesh) { return AssignMeshToScene(scene_, mesh, 0); }
-  void Translucent(Mesh* mesh, uint32_t mode, int32_t level) {
-    Material* mat = CreateMaterial(GetMeshDefaultMaterial(mesh));
-    SetMaterialAlphaMode(mat, mode);
-    SetMaterialAlphaLevel(mat, level);
-    SetMaterial(mesh, mat, 2, 0);
-    AssignMaterialToScene(scene_, mat);
-  }
   void Light(Light* light, int32_t attenuated) {
     SetLightStatus(light, 1, attenuated);
     AssignLightToScene(scene_, light, 1);
   }
-  uint16_t* Pixels() { return &buffer_[kPitch]; }
-
-  // A cleared picture (with a depth buffer or not) for the next draw.
-  Viewport* Target(bool depth) {
-    SurfaceDesc surface{};
-    surface.pixels = Pixels();
-    surface.width = kW, surface.height = kH, surface.pitch = kPitch * 2;
-    vp_ = CreateViewport(&surface, kW, kH, depth ? 1 : 0);
-    SetViewportType(vp_, E3D_VIEWPORT_ENABLED | 1);
-    for (int y = 0; y < kH; ++y)
-      for (int x = 0; x < kW; ++x) Pixels()[y * kPitch + x] = kBackground;
-    if (depth) ClearViewportDepthBuffer(vp_, 0xFFFFFFFFu);
-    return vp_;
-  }
   // Draws the scene and returns the hash of the picture.
   uint64_t Draw(bool depth, const char* name) {
-    SetSceneViewport(scene_, Target(depth));
+    Target(depth);
     DrawScene(scene_);
     return Finish(name);
   }
-  // Checks that nothing was written outside the picture and returns the
-  // FNV-1a hash of its rows.
+  // The FNV-1a hash of the picture's rows.
   uint64_t Finish(const char* name) {
-    for (int i = 0; i < kPitch * (kH + 2); ++i) {
-      const int y = i / kPitch - 1, x = i % kPitch;
-      if (y < 0 || y >= kH || x >= kW) {
-        EXPECT_EQ(buffer_[i], kGuard) << "written outside at " << i;
-      }
-    }
     if (const char* dir = std::getenv("E3D_IMAGE_DIR")) WritePpm(std::string(dir) + "/" + name + ".ppm");
     uint64_t hash = 0xCBF29CE484222325u;
     for (int y = 0; y < kH; ++y)
-      for (int x = 0; x < kW; ++x) {
-        const uint16_t p = Pixels()[y * kPitch + x];
-        for (int b : {0, 8}) hash = (hash ^ (p >> b & 0xFF)) * 0x100000001B3u;
-      }
+      for (int x = 0; x < kW; ++x)
+        for (int b : {0, 8}) hash = (hash ^ (Pixel(x, y) >> b & 0xFF)) * 0x100000001B3u;
     return hash;
   }
   void WritePpm(const std::string& path) {
@@ -96,15 +46,11 @@ class SceneImage : public testhost::LeakCheckedTest {
     for (int y = 0; y < kH; ++y)
       for (int x = 0; x < kW; ++x)
         for (int s : {10, 5, 0}) {
-          const int v = Pixels()[y * kPitch + x] >> s & 31;
+          const int v = Pixel(x, y) >> s & 31;
           std::fputc(v << 3 | v >> 2, f);
         }
     std::fclose(f);
   }
-
-  Scene* scene_ = nullptr;
-  Viewport* vp_ = nullptr;
-  std::vector<uint16_t> buffer_;
 };
 
 // A Gouraud sphere lit from the upper left by an omni light, and from below
@@ -167,9 +113,7 @@ TEST_F(SceneImage, MeshDrawnAlone) {
   ::Light* light = CreateOmniLight(&at, white, 1, 0, 0, 0);
   SetLightStatus(light, 1, 0);
   AssignLightToMesh(light, torus);
-  Viewport* vp = Target(true);
-  SetViewportCamera(vp, GetActivedSceneCamera(scene_));
-  SetMeshViewport(torus, vp);
+  SetMeshViewport(torus, Target(true));
   DrawMesh(torus);
   EXPECT_EQ(Finish("mesh-alone"), 2239212229386406601u);
   DeleteMesh(torus);

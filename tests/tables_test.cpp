@@ -25,18 +25,10 @@ class RenderTables : public testhost::LeakCheckedTest {
 
 TEST_F(RenderTables, SpotValues) {
   InitRenderTables();
-  // Index a * 32 + b; sums and differences saturate at the ends.
-  EXPECT_TRUE(SaturateAddTable[20 * 32 + 11] == 31 && SaturateAddTable[20 * 32 + 12] == 31);
-  EXPECT_TRUE(SaturateSubTable[4 * 32 + 3] == 1 && SaturateSubTable[3 * 32 + 4] == 0);
-  // Products scale back by 32, not 31: full white darkens a channel by one
-  // step and 31 * 1 vanishes.
-  EXPECT_TRUE(ModulateTable[31 * 32 + 31] == 30 && ModulateTable[31 * 32 + 1] == 0);
-  EXPECT_EQ(ModulateRedTable[31 * 32 + 31], 30 << 10);
-  EXPECT_EQ(AlphaScaleTable[255 * 32 + 31], 7905);
-  EXPECT_TRUE(ReciprocalTable[0] == 0.0f && ReciprocalTable[3] == static_cast<float>(1.0 / 3));
-  EXPECT_TRUE(LineWidthTable[0] == 181 && LineWidthTable[13] == 196 && LineWidthTable[31] == 254);
-  EXPECT_TRUE(LineFalloffTable[0] == 256 && LineFalloffTable[20] == 123);
-  EXPECT_TRUE(LineFalloffTable[59] == 1 && LineFalloffTable[60] == 0);
+  // The drawers' tests see most entries; these are the ends they do not reach.
+  // Products scale back by 32, not 31: full white darkens a channel by one step.
+  EXPECT_TRUE(ModulateTable[31 * 32 + 31] == 30 && ModulateRedTable[31 * 32 + 31] == 30 << 10);
+  EXPECT_TRUE(ReciprocalTable[0] == 0.0f && LineFalloffTable[59] == 1 && LineFalloffTable[60] == 0);
 }
 
 TEST_F(RenderTables, EveryInitAllocatesAfreshAndReleaseIsIdempotent) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <utility>
+#include <vector>
 
 #include "raster/clip.h"
 #include "raster/drawer_table.h"
@@ -11,8 +12,6 @@
 namespace {
 
 using namespace trianglefixture;
-
-uint16_t Rgb(int r, int g, int b) { return static_cast<uint16_t>(r << 10 | g << 5 | b); }
 uint32_t Packed(const e3d::Texel& t) { return t.red << 24 | t.green << 16 | t.blue << 8 | t.alpha; }
 
 const TriangleDrawer kTextured[18] = {
@@ -60,23 +59,33 @@ class Textured : public TriangleTest {
   uint32_t surfaceStandIn_ = 0;
 };
 
-// Every textured drawer fills exactly the pixels the solid drawers fill.
-TEST_F(Textured, FillsThePixelsOfTheSolidDrawers) {
+// Every filling drawer, solid or textured, fills exactly the pixels of the
+// edge rule, and only in the winding of positive area.
+TEST_F(Textured, EveryDrawerFillsThePixelsOfTheEdgeRule) {
   const uint16_t white = 0x7FFF;
   for (int s = 0; s < 3; ++s) Stage(s, &white, 1, 1, 0);
-  for (int n = 0; n < 1200; ++n) {
+  std::vector<TriangleDrawer> drawers = {FlatSolidTriangle, FlatSolidTriangleZ, GouraudSolidTriangle,
+                                         GouraudSolidTriangleZ};
+  drawers.insert(drawers.end(), std::begin(kTextured), std::end(kTextured));
+  int filled = 0;
+  for (int n = 0; n < 4000; ++n) {
     RandomCorners();
     face_.colors[0] = rng_() & 0x7FFF, face_.colors[1] = rng_(), face_.colors[2] = rng_();
     const Coverage covers(v_, face_.polygonFlags != 0);
-    for (int d = n % 3; d < 18; d += 3) {
-      Clear(0x8000, 0xFFFFFFFF);
-      Draw(kTextured[d]);
+    bool any = false;
+    for (size_t d = n % 7; d < drawers.size(); d += 7) {  // each drawer every seventh triangle
+      Clear(0x8000, 0xFFFFFFFF);  // each drawer here writes bit 15 clear
+      Draw(drawers[d]);
       for (int y = 0; y < kH; ++y)
-        for (int x = 0; x < kW; ++x)
+        for (int x = 0; x < kW; ++x) {
+          any |= covers(x, y);
           if ((Pixel(x, y) != 0x8000) != covers(x, y))
             FAIL() << "drawer " << d << " at " << x << "," << y << " of triangle " << n;
+        }
     }
+    filled += any;
   }
+  EXPECT_TRUE(filled > 1500 && filled < 2500) << filled;  // the other winding drew nothing
 }
 
 // A plane tilted away: the texel under each pixel follows the projective

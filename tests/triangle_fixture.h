@@ -16,6 +16,7 @@ inline constexpr int kW = 40, kH = 32;  // the viewport; each row is kPitch pixe
 inline constexpr int kPitch = kW + 7;   // and there are two guard rows above and below
 inline constexpr uint16_t kGuard = 0xBEEF;
 
+inline uint16_t Rgb(int r, int g, int b) { return static_cast<uint16_t>(r << 10 | g << 5 | b); }
 inline int64_t Fixed(float v) { return static_cast<int64_t>(std::nearbyint(v * 16.0f)); }
 
 // A pixel is filled when its centre lies inside the triangle of the 28.4

@@ -14,7 +14,6 @@ std::size_t LiveBytes();
 std::size_t Allocations();      // AllocateMemory calls since the last Reset
 std::size_t BadFrees();         // frees of blocks the host never gave out
 void FailAllocation(long nth);  // make the nth AllocateMemory from now return null (0 = never)
-void FailAllAllocations(bool on);
 void SetProcessorType(uint32_t type);
 void Reset();                   // forget counters and failure plans (not the live blocks)
 
@@ -23,13 +22,9 @@ class LeakCheckedTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-  // For a test that keeps memory on purpose (the engine's documented losses).
-  void ForgiveLeaks(std::size_t blocks) { forgiven_ += blocks; }
-
  private:
   std::size_t liveAtStart_ = 0;
   std::size_t badAtStart_ = 0;
-  std::size_t forgiven_ = 0;
 };
 
 }  // namespace testhost

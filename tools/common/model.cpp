@@ -22,11 +22,8 @@ namespace {
 
 // The node tree is walked here rather than flattened by the importer, whose
 // flattening step crashes on some files.
-// Validation runs first: the other steps trust face indices and would read past
-// the vertices of a damaged file.
-constexpr unsigned kImportFlags = aiProcess_ValidateDataStructure | aiProcess_JoinIdenticalVertices |
-                                  aiProcess_GenSmoothNormals | aiProcess_SortByPType | aiProcess_FlipUVs |
-                                  aiProcess_FindInvalidData;
+constexpr unsigned kImportFlags = aiProcess_JoinIdenticalVertices | aiProcess_GenSmoothNormals |
+                                  aiProcess_SortByPType | aiProcess_FlipUVs | aiProcess_FindInvalidData;
 
 // A mesh placed by a node: the same mesh may be placed several times.
 struct Instance {
@@ -43,6 +40,23 @@ void CollectInstances(const aiScene* ai, const aiNode* node, const aiMatrix4x4& 
   for (unsigned i = 0; i < node->mNumChildren; i++) CollectInstances(ai, node->mChildren[i], place, depth + 1, out);
 }
 
+// The cleaning steps trust faces to have corners and indices in range, and
+// read past the vertices of a damaged file; such a file skips them, and its
+// bad faces are dropped here.
+bool FacesWellFormed(const aiScene* ai) {
+  for (unsigned m = 0; m < ai->mNumMeshes; m++) {
+    const aiMesh* mesh = ai->mMeshes[m];
+    if (mesh == nullptr || (mesh->mNumFaces > 0 && mesh->mFaces == nullptr)) return false;
+    for (unsigned f = 0; f < mesh->mNumFaces; f++) {
+      const aiFace& face = mesh->mFaces[f];
+      if (face.mNumIndices == 0 || face.mIndices == nullptr) return false;
+      for (unsigned i = 0; i < face.mNumIndices; i++)
+        if (face.mIndices[i] >= mesh->mNumVertices) return false;
+    }
+  }
+  return true;
+}
+
 // True when a, b, c of the mesh span some area at finite coordinates.
 bool Spans(const aiMesh* mesh, unsigned a, unsigned b, unsigned c) {
   if (a >= mesh->mNumVertices || b >= mesh->mNumVertices || c >= mesh->mNumVertices) return false;
@@ -57,7 +71,7 @@ bool Spans(const aiMesh* mesh, unsigned a, unsigned b, unsigned c) {
 // area or with coordinates out of range.
 std::vector<SourcePolygon> DrawablePolygons(const aiMesh* mesh) {
   std::vector<SourcePolygon> out;
-  if (mesh->mVertices == nullptr) return out;
+  if (mesh->mVertices == nullptr || mesh->mFaces == nullptr) return out;
   out.reserve(mesh->mNumFaces);
   for (unsigned f = 0; f < mesh->mNumFaces; f++) {
     const aiFace& face = mesh->mFaces[f];
@@ -324,9 +338,9 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
     return Fail(kModelTooBig, error,
                 std::string(path) + ": " + std::to_string(vertices) + " vertices, more than the " +
                     std::to_string(options.maxPolygons) + " a scene can count");
-  const aiScene* cleaned = importer.ApplyPostProcessing(kImportFlags);
+  const aiScene* cleaned = FacesWellFormed(ai) ? importer.ApplyPostProcessing(kImportFlags) : nullptr;
   // The cleaning steps refuse some files outright that can still be drawn in part.
-  ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_ValidateDataStructure | aiProcess_FlipUVs);
+  ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_FlipUVs);
   if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
 
   // Count first: refuse before allocating anything.
