@@ -135,7 +135,11 @@ void ClipDepthPlane(uint32_t planeBit, float plane, float horizontal, float vert
   ClipPlane(planeBit, plane, kDepthPlane);
 }
 
-// The edges sit on the viewport's scissor, less the letter-box bars.
+// The edges sit on the viewport's scissor, less the letter-box bars. A cut
+// between corners far apart (1e20 and beyond) can cancel to a point outside
+// an edge already passed, or one not planned; such points are pulled onto
+// the window. Otherwise they lie within rounding of it, where the fixed-point
+// corners of the drawers do not tell the difference.
 void ClipScreenEdges() {
   uint32_t outcodes = 0;
   for (int32_t i = 0; i < clipPolygon.count; ++i) outcodes |= clipPolygon.in[i].outcode;
@@ -144,6 +148,13 @@ void ClipScreenEdges() {
   if (outcodes & E3D_OUT_RIGHT) ClipPlane(E3D_OUT_RIGHT, bounds.right, kVerticalEdge);
   if (outcodes & E3D_OUT_TOP) ClipPlane(E3D_OUT_TOP, bounds.top, kHorizontalEdge);
   if (outcodes & E3D_OUT_BOTTOM) ClipPlane(E3D_OUT_BOTTOM, bounds.bottom, kHorizontalEdge);
+  for (int32_t i = 0; i < clipPolygon.count; ++i) {
+    ClipVertex& c = clipPolygon.in[i];
+    if ((c.outcode & (kOutX | kOutY)) == 0) continue;
+    c.screenX = c.screenX < bounds.left ? bounds.left : c.screenX > bounds.right ? bounds.right : c.screenX;
+    c.screenY = c.screenY < bounds.top ? bounds.top : c.screenY > bounds.bottom ? bounds.bottom : c.screenY;
+    c.outcode &= ~(kOutX | kOutY);
+  }
 }
 
 }  // namespace e3d

@@ -63,8 +63,7 @@ E3D_API void E3D_CALL DrawTriangle2D(MeshPolygon* face, MeshVertex* vertices, Vi
   uint32_t outcodes = 0;
   for (int k = 0; k < 3; ++k) outcodes |= vertices[face->vertexIndex[k]].outcode;
   if (outcodes == 0) {
-    fanFace = *face;
-    FlatSolidTriangle(&fanFace, vertices);
+    FlatSolidTriangle(face, vertices);  // reads the face, never writes it
   } else {
     SetClipWindow(0.0f, vp->width, 0.0f, vp->height);
     clipPolygon.count = 3;

@@ -25,9 +25,12 @@ struct FlatShader {
   void Step() {}
 };
 
+// The colour held by value: read through p, it would be reloaded after
+// every store in case the store changed it.
 struct FlatFill : FlatShader {
-  using FlatShader::FlatShader;
-  uint16_t Shade(int32_t, uint16_t) const { return p.color; }
+  const uint16_t color;
+  FlatFill(const FlatParams& params, const SpanArgs& s) : FlatShader(params, s), color(params.color) {}
+  uint16_t Shade(int32_t, uint16_t) const { return color; }
 };
 
 struct FlatAdd : FlatShader {

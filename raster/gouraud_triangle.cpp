@@ -19,6 +19,7 @@ struct GouraudParams {
 struct GouraudShader {
   using Params = GouraudParams;
   static constexpr int kAttributes = 3;  // red, green, blue, 0..255
+  static constexpr bool kFixedSteps = true;
   const GouraudParams& p;
   const uint8_t* thresholds;
   ChannelRamp red, green, blue;
@@ -26,9 +27,9 @@ struct GouraudShader {
   GouraudShader(const GouraudParams& params, const SpanArgs& s)
       : p(params),
         thresholds(DitherRow(s.y)),
-        red(MakeChannelRamp(s.attr[0], s.dx[0], s.right - s.left)),
-        green(MakeChannelRamp(s.attr[1], s.dx[1], s.right - s.left)),
-        blue(MakeChannelRamp(s.attr[2], s.dx[2], s.right - s.left)) {}
+        red(MakeChannelRamp(s.attr[0], s.dxFixed[0], s.right - s.left)),
+        green(MakeChannelRamp(s.attr[1], s.dxFixed[1], s.right - s.left)),
+        blue(MakeChannelRamp(s.attr[2], s.dxFixed[2], s.right - s.left)) {}
   void Step() {
     red.value += red.step;
     green.value += green.step;

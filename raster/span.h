@@ -47,10 +47,10 @@ inline uint32_t DepthOf(double invZ) {
 }
 
 // Optional parts of a shader: kPerspective (it reads 1/z, carried as the
-// value after its own), Block(x, end, last) called at the start of each
-// block of kDepthBlock pixels (the depth test's blocks; last marks the
-// span's final, shorter or equal one), and kMayKeep (Shade returns an
-// int32_t, negative to leave the pixel and its depth alone).
+// value after its own), kFixedSteps (it reads dxFixed), Block(x, end, last)
+// called at the start of each block of kDepthBlock pixels (the depth test's
+// blocks; last marks the span's final, shorter or equal one), and kMayKeep
+// (Shade returns an int32_t, negative to leave the pixel and its depth alone).
 template <class S>
 constexpr bool ShaderReadsInvZ() {
   if constexpr (requires { S::kPerspective; }) return S::kPerspective;
@@ -70,6 +70,7 @@ struct ShadedSpan {
   using Params = typename Shader::Params;
   static constexpr bool kDepth = kTest != DepthTest::kNone;
   static constexpr bool kBlocks = BlockShader<Shader>;
+  static constexpr bool kFixedSteps = StepsInFixedPoint<Shader>();
   static constexpr int kAttributes =
       Shader::kAttributes + (kDepth || ShaderReadsInvZ<Shader>() ? 1 : 0);
 
@@ -132,26 +133,18 @@ struct ShadedSpan {
 };
 
 // An 8.16 channel ramp along a span: its value at the first pixel and its
-// change per pixel, each round(value x 65536). Rounding can carry an
-// interpolated channel a hair outside 0..255 at the rim of a triangle, where
-// it would read outside the channel tables: the ramp is shifted, or if it
-// must flattened, to stay inside 0..255 at both ends.
+// change per pixel (the span's dxFixed), each round(value x 65536). Rounding
+// can carry an interpolated channel a hair outside 0..255 at the rim of a
+// triangle, where it would read outside the channel tables: the ramp is
+// shifted, or if it must flattened, to stay inside 0..255 at both ends.
 struct ChannelRamp {
   int32_t value;
   int32_t step;
 };
 
-inline int64_t RoundFixed16(double v) {
-  constexpr double kLimit = 1099511627776.0;  // 2^40: far beyond any channel
-  v *= 65536.0;
-  if (!(v > -kLimit)) v = -kLimit;
-  if (v > kLimit) v = kLimit;
-  return static_cast<int64_t>(fp::RoundEven(v));
-}
-
-inline ChannelRamp MakeChannelRamp(double value, double step, int32_t count) {
+inline ChannelRamp MakeChannelRamp(double value, int64_t step, int32_t count) {
   constexpr int64_t kMax = 0xFFFFFF;
-  int64_t v = RoundFixed16(value), d = RoundFixed16(step);
+  int64_t v = RoundFixed16(value), d = step;
   v = v < 0 ? 0 : v > kMax ? kMax : v;
   int64_t last = v + d * (count - 1);
   if (last < 0) {

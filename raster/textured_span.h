@@ -108,6 +108,7 @@ struct TexturedShader {
   static constexpr int kAttributes = kGouraud ? 5 : 2;  // u/z, v/z, then red, green, blue
   static constexpr bool kPerspective = true;
   static constexpr bool kMayKeep = true;
+  static constexpr bool kFixedSteps = kGouraud;
   const TexturedParams& p;
   PerspectiveTexels uv;
   const uint8_t* thresholds;
@@ -116,9 +117,9 @@ struct TexturedShader {
   TexturedShader(const TexturedParams& params, const SpanArgs& s) : p(params), thresholds(DitherRow(s.y)) {
     uv.Start(s, kAttributes);
     if constexpr (kGouraud) {
-      red = MakeChannelRamp(s.attr[2], s.dx[2], s.right - s.left);
-      green = MakeChannelRamp(s.attr[3], s.dx[3], s.right - s.left);
-      blue = MakeChannelRamp(s.attr[4], s.dx[4], s.right - s.left);
+      red = MakeChannelRamp(s.attr[2], s.dxFixed[2], s.right - s.left);
+      green = MakeChannelRamp(s.attr[3], s.dxFixed[3], s.right - s.left);
+      blue = MakeChannelRamp(s.attr[4], s.dxFixed[4], s.right - s.left);
     }
   }
   void Block(int32_t x, int32_t end, bool last) { uv.Block(x, end, last); }

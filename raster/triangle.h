@@ -11,6 +11,7 @@
 //     using Params = ...;                 // per-triangle set-up of the body
 //     static constexpr int kAttributes;   // values interpolated (1/z last when depth-tested)
 //     static constexpr bool kDepth;       // reads the depth buffer
+//     static constexpr bool kFixedSteps;  // optional: reads dxFixed
 //     static void Span(const Params&, const SpanArgs&);
 //   };
 //
@@ -22,6 +23,7 @@
 
 #include <type_traits>
 
+#include "engine/fp.h"
 #include "engine/math.h"
 #include "engine3d.h"
 #include "objects/material.h"
@@ -31,7 +33,25 @@
 namespace e3d {
 
 // Floor division for a positive denominator: the remainder is never negative.
-void FloorDivMod(int64_t numerator, int32_t denominator, int32_t* quotient, int32_t* remainder);
+// Nearly every edge's numerator fits in 32 bits, where the division is one
+// instruction (the 64-bit one is slower, and a library call on i386).
+inline void FloorDivMod(int64_t numerator, int32_t denominator, int32_t* quotient, int32_t* remainder) {
+  int64_t q, r;
+  if (numerator == static_cast<int32_t>(numerator)) {
+    const int32_t n = static_cast<int32_t>(numerator);
+    q = n / denominator;
+    r = n % denominator;
+  } else {
+    q = numerator / denominator;
+    r = numerator % denominator;
+  }
+  if (r < 0) {  // division truncated toward zero: round down instead
+    q -= 1;
+    r += denominator;
+  }
+  *quotient = static_cast<int32_t>(q);
+  *remainder = static_cast<int32_t>(r);
+}
 
 // One edge from its top to its bottom corner. dX and dY are the edge's
 // extents in 28.4 units.
@@ -87,7 +107,25 @@ struct SpanArgs {
   int32_t right;       // end column, exclusive; always above left
   const double* attr;  // the interpolated values at column left
   const double* dx;    // their change per column
+  const int64_t* dxFixed;  // dx in 16.16, rounded (bodies with kFixedSteps)
 };
+
+template <class T>
+constexpr bool StepsInFixedPoint() {
+  if constexpr (requires { T::kFixedSteps; }) return T::kFixedSteps;
+  return false;
+}
+
+// round(v x 65536), held within 2^40 either way (NaN at the low end).
+inline int64_t RoundFixed16(double v) {
+  constexpr double kLimit = 1099511627776.0;  // 2^40: far beyond any channel
+  constexpr double kDirect = 1073741824.0;    // 2^30: one conversion, same rounding
+  v *= 65536.0;
+  if (v > -kDirect && v < kDirect) return _mm_cvtsd_si32(_mm_set_sd(v));
+  if (!(v > -kLimit)) v = -kLimit;
+  if (v > kLimit) v = kLimit;
+  return static_cast<int64_t>(fp::RoundEven(v));
+}
 
 // The material of the side a face shows and its corners in walking order.
 // A front face is walked from corner 2 down to 0, a back face from 0 up to 2,
@@ -213,6 +251,11 @@ void WalkTriangle(const TriangleCorner<Body::kAttributes>* c, const typename Bod
   span.depth = nullptr;
   if constexpr (Body::kDepth) span.depth = depth + longEdge.y * depthStride;
   span.dx = dx;
+  // Rounded once for the triangle rather than at every span.
+  int64_t dxFixed[N > 0 ? N : 1];
+  if constexpr (N > 0 && StepsInFixedPoint<Body>())
+    for (int i = 0; i < N; ++i) dxFixed[i] = RoundFixed16(dx[i]);
+  span.dxFixed = dxFixed;
   LeftEdgeValues<N> left{};
   span.attr = left.value;
 
@@ -220,19 +263,29 @@ void WalkTriangle(const TriangleCorner<Body::kAttributes>* c, const typename Bod
   EdgeWalker* r = o.middleOnRight ? &upper : &longEdge;
   if constexpr (N > 0)
     if (l->height > 0) left.Start(*l, top, dx, dy);
+  const auto pitch = vp->pitchPixels;
+  span.y = longEdge.y;
   for (int half = 0; half < 2; ++half) {
-    for (int32_t n = (half == 0 ? upper : lower).height; n > 0; --n) {
-      if (r->x > l->x) {
-        span.y = l->y;
-        span.left = l->x;
-        span.right = r->x;
-        Body::Span(params, span);
+    // The rows step copies of the two edges, which stay in registers; only
+    // the long edge's column and fraction carry over into the lower half.
+    const int32_t rows = (half == 0 ? upper : lower).height;
+    if (rows > 0) {
+      EdgeWalker lw = *l, rw = *r;
+      for (int32_t n = rows; n > 0; --n) {
+        if (rw.x > lw.x) {
+          span.left = lw.x;
+          span.right = rw.x;
+          Body::Span(params, span);
+        }
+        StepEdge(rw);
+        const bool carried = StepEdge(lw);
+        if constexpr (N > 0) left.Step(carried, dx);
+        span.y += 1;
+        span.pixels += pitch;
+        if constexpr (Body::kDepth) span.depth += depthStride;
       }
-      StepEdge(*r);
-      const bool carried = StepEdge(*l);
-      if constexpr (N > 0) left.Step(carried, dx);
-      span.pixels += vp->pitchPixels;
-      if constexpr (Body::kDepth) span.depth += depthStride;
+      l->x = lw.x, l->errorTerm = lw.errorTerm;
+      r->x = rw.x, r->errorTerm = rw.errorTerm;
     }
     // The middle corner's edge gives way to the one below it.
     if (o.middleOnRight) {

@@ -3,12 +3,16 @@
 // file's colours and diffuse texture.
 #include "model.h"
 
+#include <errno.h>
 #include <float.h>
 #include <math.h>
+#include <signal.h>
 #include <stdio.h>
 #include <string.h>
 #include <strings.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <assimp/Importer.hpp>
 #include <assimp/material.h>
@@ -320,14 +324,11 @@ std::vector<MeshChunk> SplitPolygons(const std::vector<SourcePolygon>& polygons,
   return chunks;
 }
 
-ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* model, std::string* error) {
-  *model = Model();
-  struct stat st;
-  if (stat(path, &st) != 0) return Fail(kModelUnreadable, error, std::string(path) + ": no such file");
-  if (!S_ISREG(st.st_mode)) return Fail(kModelUnreadable, error, std::string(path) + ": not a file");
-  if (PlyWithoutHeaderEnd(path))
-    return Fail(kModelUnreadable, error, std::string(path) + ": PLY header without end_header");
-  Assimp::Importer importer;
+namespace {
+
+// The importer's reading and cleaning steps; *out is the importer's scene.
+ModelStatus ReadScene(Assimp::Importer& importer, const char* path, const ModelOptions& options,
+                      const aiScene** out, std::string* error) {
   importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, 80.0f);
   const aiScene* ai = importer.ReadFile(path, 0);
   if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
@@ -342,6 +343,52 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   // The cleaning steps refuse some files outright that can still be drawn in part.
   ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_FlipUVs);
   if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
+  *out = ai;
+  return kModelOk;
+}
+
+// The importer's readers trust their files in places and can crash or loop
+// on a damaged one. A child process reads the file first; only when it comes
+// back whole does this process read it too.
+ModelStatus TrialRead(const char* path, const ModelOptions& options, std::string* error) {
+  fflush(nullptr);
+  const pid_t child = fork();
+  if (child < 0) return kModelOk;  // no child to spare: read in this process alone
+  if (child == 0) {
+    alarm(options.importSeconds);
+    {
+      Assimp::Importer importer;
+      const aiScene* ai = nullptr;
+      std::string ignored;
+      ReadScene(importer, path, options, &ai, &ignored);
+    }
+    _exit(0);
+  }
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0)
+    if (errno != EINTR) return kModelOk;
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return kModelOk;
+  std::string why = "the importer failed on this file";
+  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)
+    why = "the importer did not finish within " + std::to_string(options.importSeconds) + " s";
+  else if (WIFSIGNALED(status))
+    why = std::string("the importer crashed on this file (") + strsignal(WTERMSIG(status)) + ")";
+  return Fail(kModelUnreadable, error, std::string(path) + ": " + why);
+}
+
+}  // namespace
+
+ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* model, std::string* error) {
+  *model = Model();
+  struct stat st;
+  if (stat(path, &st) != 0) return Fail(kModelUnreadable, error, std::string(path) + ": no such file");
+  if (!S_ISREG(st.st_mode)) return Fail(kModelUnreadable, error, std::string(path) + ": not a file");
+  if (PlyWithoutHeaderEnd(path))
+    return Fail(kModelUnreadable, error, std::string(path) + ": PLY header without end_header");
+  if (ModelStatus trial = TrialRead(path, options, error); trial != kModelOk) return trial;
+  Assimp::Importer importer;
+  const aiScene* ai = nullptr;
+  if (ModelStatus read = ReadScene(importer, path, options, &ai, error); read != kModelOk) return read;
 
   // Count first: refuse before allocating anything.
   std::vector<std::vector<SourcePolygon>> drawable(ai->mNumMeshes);

@@ -33,6 +33,9 @@ struct ModelOptions {
   // time in the square of a mesh's size, so meshes stay small.
   int vertexLimit = 1024;
   long long maxPolygons = kMaxScenePolygons;  // larger models are refused
+  // The importer first reads the file in a child process, which may take this
+  // long: a file that crashes or stalls it is refused instead.
+  unsigned importSeconds = 60;
 };
 
 // Model space is normalised: centred on the origin, bounding sphere radius
