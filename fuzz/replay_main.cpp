@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
       std::ifstream file(path, std::ios::binary);
       const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
       if (!file.good() && !file.eof()) {
-        std::fprintf(stderr, "cannot read %s\n", path.c_str());
+        std::fprintf(stderr, "cannot read %s\n", path.string().c_str());
         return 1;
       }
       LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());

@@ -144,7 +144,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     for (int32_t frame = in.Range(1, 3); frame > 0; --frame) {
       const fuzz::Rect clip = fuzz::ClipRect(t.vp);
-      fuzz::Note("DrawScene, %zu meshes, camera (%g %g %g)", meshes.size(), GetCameraPosition(camera, 0).x,
+      fuzz::Note("DrawScene, %u meshes, camera (%g %g %g)", static_cast<unsigned>(meshes.size()), GetCameraPosition(camera, 0).x,
                  GetCameraPosition(camera, 0).y, GetCameraPosition(camera, 0).z);
       t.Snapshot();
       DrawScene(scene);

@@ -22,6 +22,7 @@
 #ifndef ENGINE3D_H
 #define ENGINE3D_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -31,20 +32,31 @@
 #endif
 
 /* The caller-cleans convention of the original interface. */
-#if defined(__i386__)
+#if defined(_MSC_VER) && defined(_M_IX86)
+#define E3D_CALL __cdecl
+#elif defined(__i386__)
 #define E3D_CALL __attribute__((cdecl))
 #else
 #define E3D_CALL
 #endif
 
+/* What a shared library exports: a DLL's export table on Windows, default
+   visibility in an ELF library built with everything else hidden. Hosts
+   need no import marking: the import library supplies the calls. */
+#if defined(_WIN32)
+#define E3D_EXPORT __declspec(dllexport)
+#else
+#define E3D_EXPORT __attribute__((visibility("default")))
+#endif
+
 #if defined(E3D_BUILDING)
-#define E3D_API E3D_EXTERN_C __attribute__((visibility("default")))
+#define E3D_API E3D_EXTERN_C E3D_EXPORT
 #else
 #define E3D_API E3D_EXTERN_C
 #endif
 
 #if defined(E3D_BUILDING_HOST)
-#define E3D_HOST_API E3D_EXTERN_C __attribute__((visibility("default")))
+#define E3D_HOST_API E3D_EXTERN_C E3D_EXPORT
 #else
 #define E3D_HOST_API E3D_EXTERN_C
 #endif
@@ -54,12 +66,12 @@
 #define E3D_ASSERT_CAT(a, b) E3D_ASSERT_CAT2(a, b)
 #define E3D_LAYOUT_ASSERT(cond) \
   typedef char E3D_ASSERT_CAT(e3d_layout_check_, __LINE__)[(cond) ? 1 : -1]
-#if defined(__i386__)
+#if defined(__i386__) || defined(_M_IX86)
 /* On i386 every host-visible record is exactly as many 32-bit words as the
    original interface gives it. */
 #define E3D_I386_SIZE(type, words) E3D_LAYOUT_ASSERT(sizeof(type) == 4 * (words))
 #define E3D_I386_WORD(type, field, word) \
-  E3D_LAYOUT_ASSERT(__builtin_offsetof(type, field) == 4 * (word))
+  E3D_LAYOUT_ASSERT(offsetof(type, field) == 4 * (word))
 #else
 #define E3D_I386_SIZE(type, words) E3D_LAYOUT_ASSERT(1)
 #define E3D_I386_WORD(type, field, word) E3D_LAYOUT_ASSERT(1)

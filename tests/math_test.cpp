@@ -50,7 +50,14 @@ float Angle(Random& r) {
   switch (r.Next() % 3) {
     case 0: return r.Uniform(-10.0f, 10.0f);
     case 1: return r.Uniform(-20000.0f, 20000.0f);
+#if defined(_WIN32)
+    // Windows' C library reduces huge arguments inexactly, so its sin and cos
+    // are a reference only on a bounded range; the digest test holds our bits
+    // there equal to the other builds'.
+    default: return r.Uniform(-1e6f, 1e6f);
+#else
     default: return r.AnyFinite();
+#endif
   }
 }
 float Far(Random& r) { return r.Uniform(-20000.0f, 20000.0f); }

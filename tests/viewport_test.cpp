@@ -1,6 +1,10 @@
 // Viewports: creation over a host surface, scissor, letter-box border and
 // aspect (with its breakpoint), and clearing the depth buffer.
+#if defined(_WIN32)
+#include <windows.h>
+#else
 #include <signal.h>
+#endif
 
 #include <cmath>
 #include <cstring>
@@ -70,21 +74,50 @@ TEST_F(ViewportTest, ScissorRefusesAndClamps) {
   ExpectScissor(-0.0f, 0, 0, 480);
 }
 
-volatile sig_atomic_t traps = 0;
+// Counts the breakpoints SetViewportAspect raises and steps over them, as a
+// debugger the host runs under would.
+volatile int traps = 0;
+#if defined(_WIN32)
+LONG WINAPI CountTrap(EXCEPTION_POINTERS* e) {
+  if (e->ExceptionRecord->ExceptionCode != EXCEPTION_BREAKPOINT) return EXCEPTION_CONTINUE_SEARCH;
+  traps = traps + 1;
+#if defined(_WIN64)
+  if (e->ContextRecord->Rip == reinterpret_cast<DWORD64>(e->ExceptionRecord->ExceptionAddress))
+    ++e->ContextRecord->Rip;
+#else
+  if (e->ContextRecord->Eip == reinterpret_cast<DWORD>(e->ExceptionRecord->ExceptionAddress))
+    ++e->ContextRecord->Eip;
+#endif
+  return EXCEPTION_CONTINUE_EXECUTION;
+}
+struct TrapCounter {
+  void* handler = AddVectoredExceptionHandler(1, CountTrap);
+  ~TrapCounter() { RemoveVectoredExceptionHandler(handler); }
+};
+#else
 void CountTrap(int) { traps = traps + 1; }
+struct TrapCounter {
+  struct sigaction old {};
+  TrapCounter() {
+    struct sigaction on {};
+    on.sa_handler = CountTrap;
+    sigemptyset(&on.sa_mask);
+    sigaction(SIGTRAP, &on, &old);
+  }
+  ~TrapCounter() { sigaction(SIGTRAP, &old, nullptr); }
+};
+#endif
 
 TEST_F(ViewportTest, AspectTrapsThenLetterBoxes) {
   // Every aspect traps first; one taller than the viewport is then ignored.
-  struct sigaction on {}, old {};
-  on.sa_handler = CountTrap;
-  sigemptyset(&on.sa_mask);
-  ASSERT_EQ(sigaction(SIGTRAP, &on, &old), 0);
-  traps = 0;
-  SetViewportAspect(vp, 1.0f);
-  EXPECT_TRUE(traps == 1 && GetViewportBorderHeight(vp) == 0 && GetViewportAspect(vp) == 1.0f);
-  SetViewportAspect(vp, 16.0f / 9.0f);
-  EXPECT_TRUE(traps == 2 && GetViewportBorderHeight(vp) == 60 && vp->borderOffset == 60 * 700);
-  sigaction(SIGTRAP, &old, nullptr);
+  {
+    TrapCounter counter;
+    traps = 0;
+    SetViewportAspect(vp, 1.0f);
+    EXPECT_TRUE(traps == 1 && GetViewportBorderHeight(vp) == 0 && GetViewportAspect(vp) == 1.0f);
+    SetViewportAspect(vp, 16.0f / 9.0f);
+    EXPECT_TRUE(traps == 2 && GetViewportBorderHeight(vp) == 60 && vp->borderOffset == 60 * 700);
+  }
 
   SetViewportBorderHeight(vp, 240);  // both bars would cover everything
   EXPECT_EQ(GetViewportBorderHeight(vp), 60);

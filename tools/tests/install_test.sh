@@ -4,14 +4,8 @@
 # pkg-config), runs them, and checks both builds drew the same pictures.
 set -eu
 build=$1 examples=$2 work=$3
-rm -rf "$work"
+. "$(dirname "$0")/install_steps.sh"
 mkdir -p "$work/pc"
-prefix=$work/prefix
-step() { # step LOG COMMAND...: runs the command, shows its log when it fails
-  log=$work/$1
-  shift
-  "$@" > "$log" 2>&1 || { cat "$log"; echo "failed: $*"; exit 1; }
-}
 step install.log cmake --install "$build" --prefix "$prefix"
 lib=$(dirname "$(find "$prefix" -name libengine3d.so -print | head -n 1)")
 test -f "$prefix/include/engine3d.h" && test -f "$lib/pkgconfig/engine3d.pc"
