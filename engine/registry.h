@@ -15,15 +15,6 @@ extern uint32_t processorType;  // low 16 bits of the host's processor code, kep
 extern Scene* firstScene;
 extern Scene* lastScene;
 
-void LinkScene(Scene* scene);
-void UnlinkScene(Scene* scene);  // no effect when not chained
-
-// Position of an object in a scene's list of its kind (identity, not name), or -1.
-int32_t GetSceneSkeletonIndex(const Scene* scene, const Skeleton* skeleton);
-int32_t GetSceneCameraIndex(const Scene* scene, const Camera* camera);
-int32_t GetSceneLightIndex(const Scene* scene, const Light* light);
-int32_t GetSceneMaterialIndex(const Scene* scene, const Material* material);
-
 // List walks. Next is the member pointer of the forward link, e.g.
 // ListAt<&Camera::nextCamera>(scene->firstCamera, 2).
 

@@ -19,6 +19,7 @@
 #include "objects/light.h"
 #include "objects/material.h"
 #include "objects/mesh.h"
+#include "objects/node_helpers.h"
 #include "objects/scene.h"
 #include "objects/skeleton.h"
 #include "viewport/viewport.h"
@@ -335,8 +336,19 @@ void Step(fuzz::Input& in, World& w) {
       break;
     case 14:
       if (Light* l = Pick(in, w.lights); l && mesh) {
+        // The call reaches the whole subtree, and each mesh there that a scene
+        // holds brings the light into that scene: all must be the one scene
+        // that holds the light, if any does.
         const Scene* holder = w.SceneOf(l);
-        if (in.Bool() && (holder == nullptr || mesh->ownerScene == nullptr || holder == mesh->ownerScene))
+        bool oneScene = true;
+        e3d::ForEachNode(mesh, [&](void* n) {
+          if ((e3d::NodeKindOf(n) & kNodeKindMask) != kNodeMesh) return;
+          const Scene* s = static_cast<Mesh*>(n)->ownerScene;
+          if (s == nullptr) return;
+          if (holder == nullptr) holder = s;
+          oneScene = oneScene && s == holder;
+        });
+        if (in.Bool() && oneScene)
           AssignLightToMesh(l, mesh);
         else
           RemoveLightFromMesh(l, mesh);

@@ -1,12 +1,13 @@
 // Omni and direct lights: creation with numbered names, deletion, the
-// accessors, and the per-mesh light lists that vertex lighting walks.
+// accessors, the per-mesh light lists that vertex lighting walks, and the
+// scenes' light lists, which keep the meshes' lists in step.
 #include "objects/light.h"
 
 #include "engine/memory.h"
 #include "engine/registry.h"
 #include "objects/hierarchy.h"
 #include "objects/mesh.h"
-#include "objects/mesh_attributes.h"
+#include "objects/node_helpers.h"
 #include "objects/scene.h"
 
 namespace e3d {
@@ -171,3 +172,23 @@ E3D_API void E3D_CALL SetLightStatus(Light* light, int32_t a, int32_t b) {
 }
 
 E3D_API void E3D_CALL SetLightName(Light* light, const char* name) { CopyName(light->name, kLightNameSize, name); }
+
+// Refused only when this scene holds the light: a light given to a second
+// scene is relinked there, and the first scene's list no longer reaches it.
+E3D_API int32_t E3D_CALL AssignLightToScene(Scene* scene, Light* light, uint8_t options) {
+  if (GetSceneLightIndex(scene, light) >= 0) return 0;
+  ListAppend<&Light::prevLight, &Light::nextLight>(scene->firstLight, light);
+  if (options & kOptionMeshLights)
+    ListEach<&Mesh::nextInScene>(scene->firstMesh,
+                                 [light](Mesh* mesh) { AssignLightToMesh(light, mesh); });
+  return 1;
+}
+
+// The light also leaves the light lists of the scene's meshes.
+E3D_API int32_t E3D_CALL RemoveLightFromScene(Scene* scene, Light* light) {
+  if (GetSceneLightIndex(scene, light) < 0) return 0;
+  ListUnlink<&Light::prevLight, &Light::nextLight>(scene->firstLight, light);
+  ListEach<&Mesh::nextInScene>(scene->firstMesh,
+                               [light](Mesh* mesh) { RemoveLightFromMesh(light, mesh); });
+  return 1;
+}

@@ -6,7 +6,7 @@
 
 #include "engine3d.h"
 #include "objects/material.h"
-#include "pipeline/polygon_record.h"
+#include "objects/polygon_record.h"
 
 namespace e3d {
 inline constexpr int32_t kMeshNameSize = 32;  // terminator included

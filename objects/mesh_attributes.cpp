@@ -1,6 +1,6 @@
 // How a mesh is drawn: render, cull and shade modes, hiding, and the
 // smoothing groups of single faces. The mode setters reach the whole subtree.
-#include "objects/mesh_attributes.h"
+#include "objects/node_helpers.h"
 
 #include "objects/mesh.h"
 

@@ -2,7 +2,7 @@
 // stand-alone viewport, the host tag, the name, activation and billboards.
 #include "engine/math.h"
 #include "objects/mesh.h"
-#include "objects/mesh_attributes.h"
+#include "objects/node_helpers.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// Scene creation, the scene's sort area, its hook slot, its viewport and the
-// counting exports.
+// Scene creation, the chain of scenes, the scene's sort area, its hook slot
+// and the counting exports.
 #include "objects/scene.h"
 
 #include "engine/math.h"
@@ -9,9 +9,37 @@
 #include "objects/light.h"
 #include "objects/mesh.h"
 #include "objects/skeleton.h"
-#include "viewport/viewport.h"
 
 namespace e3d {
+
+void LinkScene(Scene* scene) {
+  scene->nextScene = nullptr;
+  scene->prevScene = lastScene;
+  if (lastScene == nullptr)
+    firstScene = scene;
+  else
+    lastScene->nextScene = scene;
+  lastScene = scene;
+}
+
+void UnlinkScene(Scene* scene) {
+  if (scene == firstScene) {
+    firstScene = scene->nextScene;
+    if (firstScene != nullptr) firstScene->prevScene = nullptr;
+    if (scene == lastScene) lastScene = nullptr;
+  } else if (scene == lastScene) {
+    lastScene = scene->prevScene;
+    if (lastScene != nullptr) lastScene->nextScene = nullptr;
+  } else {
+    // Only a chained scene may be bridged over: its links are trusted then.
+    if (ListIndexOf<&Scene::nextScene>(firstScene, scene) < 0) return;
+    if (scene->prevScene != nullptr) scene->prevScene->nextScene = scene->nextScene;
+    if (scene->nextScene != nullptr) scene->nextScene->prevScene = scene->prevScene;
+    return;  // the caller frees the record right after
+  }
+  scene->prevScene = nullptr;
+  scene->nextScene = nullptr;
+}
 
 namespace {
 
@@ -59,25 +87,6 @@ E3D_API Scene* E3D_CALL CreateScene(void) {
   LinkScene(scene);
   return scene;
 }
-
-// A null viewport unbinds. Otherwise a scene without an active camera adopts
-// the viewport's camera, taking it into its list when no scene holds it yet.
-E3D_API int32_t E3D_CALL SetSceneViewport(Scene* scene, Viewport* viewport) {
-  scene->viewport = viewport;
-  if (viewport == nullptr) return 0;
-  if (scene->activeCameraIndex != -1) return scene->activeCameraIndex;
-  Camera* camera = viewport->camera;
-  if (camera == nullptr) return 0;
-  int32_t index = GetSceneCameraIndex(scene, camera);
-  if (index < 0 && SceneHoldingCamera(camera) == nullptr) {
-    AssignCameraToScene(scene, camera);
-    index = GetSceneCameraIndex(scene, camera);
-  }
-  if (index >= 0) scene->activeCameraIndex = index;
-  return index;
-}
-
-E3D_API Viewport* E3D_CALL GetSceneViewport(Scene* scene) { return scene->viewport; }
 
 E3D_API int32_t E3D_CALL GetSceneNumberOfMeshes(Scene* scene) {
   return ListLength<&Mesh::nextInScene>(scene->firstMesh);

@@ -4,7 +4,7 @@
 #include <stdint.h>
 
 #include "engine3d.h"
-#include "pipeline/polygon_record.h"
+#include "objects/polygon_record.h"
 
 namespace e3d {
 
@@ -62,12 +62,27 @@ namespace e3d {
 // sceneFlags: the sort area matches the scene's meshes and it may be drawn.
 inline constexpr uint32_t kSceneReady = 0x1;
 
+// Options bit 0 of the Assign...ToScene calls: keep the meshes' light lists
+// in step with the scene's lights.
+inline constexpr uint8_t kOptionMeshLights = 0x1;
+
 inline bool SceneIsReady(const Scene* scene) { return (scene->sceneFlags & kSceneReady) != 0; }
 
 // Frees the scene's sort area and allocates one for polygonCapacity polygons,
 // resetting the sorter on it. The scene is marked ready only when that
 // worked: a scene left without its area is never drawn.
 void RebuildSceneSortArea(Scene* scene);
+
+// The chain of all scenes (firstScene .. lastScene), appended at the tail by
+// CreateScene.
+void LinkScene(Scene* scene);
+void UnlinkScene(Scene* scene);  // no effect when not chained
+
+// Position of an object in a scene's list of its kind (identity, not name), or -1.
+int32_t GetSceneSkeletonIndex(const Scene* scene, const Skeleton* skeleton);
+int32_t GetSceneCameraIndex(const Scene* scene, const Camera* camera);
+int32_t GetSceneLightIndex(const Scene* scene, const Light* light);
+int32_t GetSceneMaterialIndex(const Scene* scene, const Material* material);
 
 // The scene of the chain whose camera (skeleton) list holds the object, or null.
 Scene* SceneHoldingCamera(const Camera* camera);

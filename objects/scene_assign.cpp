@@ -1,18 +1,11 @@
-// Moving meshes, lights and materials in and out of a scene. Every mesh
-// that enters or leaves rebuilds the scene's sort area.
+// Moving meshes and materials in and out of a scene. Every mesh that enters
+// or leaves rebuilds the scene's sort area.
 #include "engine/registry.h"
 #include "objects/hierarchy.h"
 #include "objects/light.h"
 #include "objects/material.h"
 #include "objects/mesh.h"
 #include "objects/scene.h"
-
-namespace {
-
-// Options bit 0: keep the meshes' light lists in step with the scene's lights.
-constexpr uint8_t kOptionMeshLights = 0x1;
-
-}  // namespace
 
 using namespace e3d;
 
@@ -47,26 +40,6 @@ E3D_API int32_t E3D_CALL RemoveMeshFromScene(Scene* scene, Mesh* mesh, uint8_t o
     ListEach<&Light::nextLight>(scene->firstLight,
                                 [mesh](Light* light) { RemoveLightFromMesh(light, mesh); });
   mesh->ownerScene = nullptr;
-  return 1;
-}
-
-// Refused only when this scene holds the light: a light given to a second
-// scene is relinked there, and the first scene's list no longer reaches it.
-E3D_API int32_t E3D_CALL AssignLightToScene(Scene* scene, Light* light, uint8_t options) {
-  if (GetSceneLightIndex(scene, light) >= 0) return 0;
-  ListAppend<&Light::prevLight, &Light::nextLight>(scene->firstLight, light);
-  if (options & kOptionMeshLights)
-    ListEach<&Mesh::nextInScene>(scene->firstMesh,
-                                 [light](Mesh* mesh) { AssignLightToMesh(light, mesh); });
-  return 1;
-}
-
-// The light also leaves the light lists of the scene's meshes.
-E3D_API int32_t E3D_CALL RemoveLightFromScene(Scene* scene, Light* light) {
-  if (GetSceneLightIndex(scene, light) < 0) return 0;
-  ListUnlink<&Light::prevLight, &Light::nextLight>(scene->firstLight, light);
-  ListEach<&Mesh::nextInScene>(scene->firstMesh,
-                               [light](Mesh* mesh) { RemoveLightFromMesh(light, mesh); });
   return 1;
 }
 

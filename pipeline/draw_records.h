@@ -5,7 +5,7 @@
 
 #include "engine3d.h"
 #include "objects/mesh.h"
-#include "pipeline/polygon_record.h"
+#include "objects/polygon_record.h"
 
 namespace e3d {
 

@@ -7,7 +7,7 @@
 #include <stdint.h>
 
 #include "engine3d.h"
-#include "pipeline/polygon_record.h"
+#include "objects/polygon_record.h"
 
 namespace e3d {
 

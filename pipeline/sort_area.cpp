@@ -1,6 +1,6 @@
 // Sort areas of scenes and of meshes drawn alone.
 #include "engine/memory.h"
-#include "pipeline/polygon_record.h"
+#include "objects/polygon_record.h"
 #include "pipeline/radix.h"
 
 namespace e3d {

@@ -7,7 +7,7 @@
 
 #include "engine3d.h"
 #include "objects/mesh.h"
-#include "pipeline/polygon_record.h"
+#include "objects/polygon_record.h"
 #include "viewport/viewport.h"
 
 namespace e3d {

@@ -1,5 +1,5 @@
-// What the mesh setters and the light lists share: the walk over a node and
-// its whole subtree, and the copying of names into fixed fields.
+// What the object kinds share: the walk over a node and its whole subtree
+// (meshes, lights, scenes), and the copying of names into fixed fields.
 #pragma once
 #include <stdint.h>
 
