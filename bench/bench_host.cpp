@@ -28,4 +28,11 @@ E3D_HOST_API int32_t E3D_CALL FreeMemory(void* block) {
   return 1;
 }
 
-E3D_HOST_API uint32_t E3D_CALL ProcessorGetType(void) { return 0x0600 | E3D_CPU_MMX | E3D_CPU_SSE | E3D_CPU_SSE2; }
+// The processor as the default host reports it, so the engine takes the span
+// bodies it would take for any host; E3D_BENCH_BASELINE=1 keeps the baseline.
+E3D_HOST_API uint32_t E3D_CALL ProcessorGetType(void) {
+  const uint32_t type = E3D_CPU_MMX | E3D_CPU_SSE | E3D_CPU_SSE2;
+  const char* baseline = std::getenv("E3D_BENCH_BASELINE");
+  const bool wide = __builtin_cpu_supports("avx2") && (baseline == nullptr || *baseline != '1');
+  return wide ? type | E3D_CPU_AVX2 : type;
+}

@@ -87,9 +87,12 @@
 E3D_HOST_API void* E3D_CALL AllocateMemory(uint32_t size);
 /* Releases a block from AllocateMemory; returns 1 when freed, 0 for null. */
 E3D_HOST_API int32_t E3D_CALL FreeMemory(void* block);
-/* Processor code: bits 0-3 stepping, 4-7 model, 8-11 family (from CPUID
-   leaf 1), then the feature bits below; 0 when CPUID is unavailable. */
+/* Processor code: the feature bits below, 0 when CPUID is unavailable. Bits
+   8-11 are 0: the original code kept the CPUID family there (and model and
+   stepping in bits 0-7), and a code with a family is read that way, so only
+   its bits 12-15 count. */
 E3D_HOST_API uint32_t E3D_CALL ProcessorGetType(void);
+#define E3D_CPU_AVX2 0x0010u /* AVX2, with its registers saved by the system */
 #define E3D_CPU_MMX 0x1000u
 #define E3D_CPU_SSE 0x2000u
 #define E3D_CPU_SSE2 0x4000u
@@ -302,8 +305,8 @@ E3D_API void E3D_CALL ReleaseRenderTables(void);
 E3D_API Viewport* E3D_CALL SetRenderInfos(Viewport* viewport, Camera* camera);
 /* Returns the viewport last given to SetRenderInfos, or null. */
 E3D_API Viewport* E3D_CALL GetRenderViewport(void);
-/* Chooses the span drawers for the processor type; all processors share one
-   set, so it does nothing. */
+/* Chooses the span drawers for the processor code (InitEngine3D passes the
+   host's): with E3D_CPU_AVX2, wider ones that draw the same pixels. */
 E3D_API void E3D_CALL UpdateDrawScanline(uint32_t processorType);
 /* ---- raster: end ---- */
 

@@ -28,6 +28,7 @@ struct FlatShader {
 // The colour held by value: read through p, it would be reloaded after
 // every store in case the store changed it.
 struct FlatFill : FlatShader {
+  static constexpr bool kWideFill = true;
   const uint16_t color;
   FlatFill(const FlatParams& params, const SpanArgs& s) : FlatShader(params, s), color(params.color) {}
   uint16_t Shade(int32_t, uint16_t) const { return color; }

@@ -3,6 +3,8 @@
 // the pixel's 5, in the material's alpha mode, with and without the depth
 // test. The corners are walked in the same order as the flat drawers', so
 // every shade mode fills the same side of a face.
+#include <type_traits>
+
 #include "raster/span.h"
 #include "raster/span_dither.h"
 #include "raster/tables.h"
@@ -35,12 +37,24 @@ struct GouraudShader {
     green.value += green.step;
     blue.value += blue.step;
   }
+  // The ramp as the wide bodies take it, and n steps at once after them.
+  RampRun Ramp() const {
+    return {{red.value, green.value, blue.value}, {red.step, green.step, blue.step}, thresholds};
+  }
+  void Advance(int32_t n) {
+    red.value += red.step * n;
+    green.value += green.step * n;
+    blue.value += blue.step * n;
+  }
 };
 
 // A span of a channel combination: Combine(params, c, d) gives the 8-bit
 // channel to dither from the interpolated c and the target's 5-bit d.
+struct Plain;
+
 template <class Combine>
 struct GouraudSpan : GouraudShader {
+  static constexpr bool kWideRamp = std::is_same_v<Combine, Plain>;
   using GouraudShader::GouraudShader;
   uint16_t Shade(int32_t x, uint16_t d) const {
     return DitherPixel(Combine::Channel(p, red.value >> 16, RedOf(d)),

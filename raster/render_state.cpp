@@ -1,8 +1,18 @@
 #include "raster/render_state.h"
 
+#include "raster/span_wide.h"
+
 namespace e3d {
 
 RenderInfo renderInfo = {nullptr, nullptr};
+WideSpans wideSpans = {};
+
+bool UseSpanPath(SpanPath path) {
+  const WideSpans* wide = path == SpanPath::kAvx2 ? Avx2Spans() : nullptr;
+  if (path != SpanPath::kBaseline && wide == nullptr) return false;
+  wideSpans = wide != nullptr ? *wide : WideSpans{};
+  return true;
+}
 
 }  // namespace e3d
 
@@ -14,5 +24,9 @@ E3D_API Viewport* E3D_CALL SetRenderInfos(Viewport* viewport, Camera* camera) {
 
 E3D_API Viewport* E3D_CALL GetRenderViewport(void) { return e3d::renderInfo.viewport; }
 
-// Every processor uses the same span drawers: nothing to choose.
-E3D_API void E3D_CALL UpdateDrawScanline(uint32_t) {}
+// A code with a family in bits 8-11 is of the original layout, whose low
+// bits are model and stepping, not features.
+E3D_API void E3D_CALL UpdateDrawScanline(uint32_t processorType) {
+  const bool avx2 = (processorType & 0x0F00u) == 0 && (processorType & E3D_CPU_AVX2) != 0;
+  e3d::UseSpanPath(avx2 ? e3d::SpanPath::kAvx2 : e3d::SpanPath::kBaseline);
+}

@@ -16,6 +16,7 @@
 
 #include "engine/fp.h"
 #include "engine/math.h"
+#include "raster/span_wide.h"
 #include "raster/triangle.h"
 
 namespace e3d {
@@ -64,6 +65,19 @@ constexpr bool ShaderMayKeep() {
 template <class S>
 concept BlockShader = requires(S s) { s.Block(int32_t{0}, int32_t{0}, false); };
 
+// Shaders the wide bodies know: a plain fill (kWideFill, with its color) and
+// a plain Gouraud ramp (kWideRamp, with Ramp() and Advance(n)).
+template <class S>
+constexpr bool WideFillShader() {
+  if constexpr (requires { S::kWideFill; }) return S::kWideFill;
+  return false;
+}
+template <class S>
+constexpr bool WideRampShader() {
+  if constexpr (requires { S::kWideRamp; }) return S::kWideRamp;
+  return false;
+}
+
 // A span body: Shader along the span, behind the depth test kTest.
 template <class Shader, DepthTest kTest = DepthTest::kNone>
 struct ShadedSpan {
@@ -87,11 +101,39 @@ struct ShadedSpan {
     }
   }
 
+  // A whole block of kDepthBlock pixels through a wide body, where there is one.
+  static bool WideBlock(Shader& shader, int32_t x, uint16_t* pixels, const DepthRun& d) {
+    static_assert(kDepthBlock == kWideBlock);
+    if constexpr (WideFillShader<Shader>()) {
+      if (wideSpans.fillLess == nullptr) return false;
+      wideSpans.fillLess(pixels + x, d, shader.color);
+    } else {
+      if (wideSpans.rampLess == nullptr) return false;
+      wideSpans.rampLess(pixels + x, x, d, shader.Ramp());
+      shader.Advance(kWideBlock);
+    }
+    return true;
+  }
+
   static void Span(const Params& params, const SpanArgs& s) {
     Shader shader(params, s);
     uint16_t* pixels = s.pixels;
     if constexpr (!kDepth && !kBlocks) {
-      for (int32_t x = s.left; x < s.right; ++x) {
+      int32_t x = s.left;
+      if constexpr (WideFillShader<Shader>() || WideRampShader<Shader>()) {
+        const int32_t wide = (s.right - x) & -kWideBlock;
+        if (wide > 0 && WideFillShader<Shader>() && wideSpans.fill != nullptr) {
+          if constexpr (WideFillShader<Shader>()) wideSpans.fill(pixels + x, s.right - x, shader.color);
+          x = s.right;
+        } else if (wide > 0 && WideRampShader<Shader>() && wideSpans.ramp != nullptr) {
+          if constexpr (WideRampShader<Shader>()) {
+            wideSpans.ramp(pixels + x, x, wide, shader.Ramp());
+            shader.Advance(wide);
+          }
+          x += wide;
+        }
+      }
+      for (; x < s.right; ++x) {
         Put(shader, x, pixels + x, nullptr, 0);
         shader.Step();
       }
@@ -117,6 +159,9 @@ struct ShadedSpan {
           }
         }
         if constexpr (kBlocks) shader.Block(x, end, last);
+        if constexpr (kTest == DepthTest::kLess && (WideFillShader<Shader>() || WideRampShader<Shader>())) {
+          if (!last && WideBlock(shader, x, pixels, DepthRun{depth + x, z, zStep})) x = end;
+        }
         for (; x < end; ++x) {
           if constexpr (!kDepth)
             Put(shader, x, pixels + x, nullptr, 0);

@@ -1,17 +1,29 @@
 // Whole scenes drawn end to end and compared by a hash of their pixels with
-// images a person has looked at. Both builds must give the same bits. With
+// images a person has looked at. Both builds must give the same bits, on
+// every span path. With
 // E3D_IMAGE_DIR set, every image is also written there as a PPM.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "draw_fixture.h"
+#include "raster/span_wide.h"
 
 namespace {
 
-class SceneImage : public DrawFixture<160, 120> {
+using e3d::SpanPath;
+
+class SceneImage : public DrawFixture<160, 120>, public ::testing::WithParamInterface<SpanPath> {
  protected:
-  void SetUp() override { Start({0, 30, -220}, 0x0C63); }
+  void SetUp() override {
+    Start({0, 30, -220}, 0x0C63);
+    if (GetParam() == SpanPath::kAvx2 && !testhost::ProcessorHasAvx2()) GTEST_SKIP() << "no AVX2 here";
+    if (!e3d::UseSpanPath(GetParam())) GTEST_SKIP() << "no such path in this build";
+  }
+  void TearDown() override {
+    e3d::UseSpanPath(SpanPath::kBaseline);
+    DrawFixture::TearDown();
+  }
 
   Mesh* Add(Mesh* mesh, float x, float y, float z, uint32_t shade) {
     ActivateMesh(mesh);
@@ -55,7 +67,7 @@ class SceneImage : public DrawFixture<160, 120> {
 
 // A Gouraud sphere lit from the upper left by an omni light, and from below
 // right by an attenuated one, through the depth buffer.
-TEST_F(SceneImage, GouraudSphereThroughDepthBuffer) {
+TEST_P(SceneImage, GouraudSphereThroughDepthBuffer) {
   Show(Add(SphereCreate(60, nullptr, 14, 20, 0xD0D0D0), 0, 0, 0, 7));
   const Vector3 upperLeft{-300, 250, -200}, lowerRight{90, -90, -60};
   const float white[4] = {1, 1, 1, 1}, blue[4] = {0.3f, 0.5f, 1, 1};
@@ -67,7 +79,7 @@ TEST_F(SceneImage, GouraudSphereThroughDepthBuffer) {
 
 // A flat cube partly behind a blended plane that overruns three screen
 // edges, lit by a direct and an omni light, sorted far to near.
-TEST_F(SceneImage, FlatCubeAndBlendedPlanePainter) {
+TEST_P(SceneImage, FlatCubeAndBlendedPlanePainter) {
   Mesh* cube = Add(CubeCreate(80, nullptr, 0xE0D0C0), -20, 0, 40, 3);
   SetMeshModelOrientation(cube, 30, 40, 0);
   Show(cube);
@@ -83,7 +95,7 @@ TEST_F(SceneImage, FlatCubeAndBlendedPlanePainter) {
 
 // A tilted parent with two children, a billboard facing the camera whatever
 // its own turn, and an added disk; no lights, so the headlight colours them.
-TEST_F(SceneImage, HierarchyAndBillboardHeadlit) {
+TEST_P(SceneImage, HierarchyAndBillboardHeadlit) {
   Mesh* post = Add(CylinderCreate(15, 15, 70, nullptr, 12, 0xA0A0A8), -40, 0, 0, 7);
   Mesh* halo = Add(TorusCreate(35, 6, nullptr, 8, 16, 0x40C0E0), 0, 10, 0, 7);
   Mesh* knob = Add(CubeCreate(20, nullptr, 0xF08020), 0, 45, 0, 3);
@@ -103,7 +115,7 @@ TEST_F(SceneImage, HierarchyAndBillboardHeadlit) {
 }
 
 // DrawMesh: a lit torus with a child cube through the mesh's own viewport.
-TEST_F(SceneImage, MeshDrawnAlone) {
+TEST_P(SceneImage, MeshDrawnAlone) {
   Mesh* torus = Add(TorusCreate(50, 18, nullptr, 10, 20, 0x60D080), 0, 0, 0, 7);
   SetMeshModelOrientation(torus, -50, 0, 0);
   Mesh* cube = Add(CubeCreate(30, nullptr, 0xD06060), 0, 0, 0, 3);
@@ -119,5 +131,8 @@ TEST_F(SceneImage, MeshDrawnAlone) {
   DeleteMesh(torus);
   DeleteLight(light);
 }
+
+INSTANTIATE_TEST_SUITE_P(SpanPaths, SceneImage, ::testing::Values(SpanPath::kBaseline, SpanPath::kAvx2),
+                         [](const auto& p) { return p.param == SpanPath::kAvx2 ? "Avx2" : "Baseline"; });
 
 }  // namespace

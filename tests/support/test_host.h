@@ -17,6 +17,15 @@ void FailAllocation(long nth);  // make the nth AllocateMemory from now return n
 void SetProcessorType(uint32_t type);
 void Reset();                   // forget counters and failure plans (not the live blocks)
 
+// Whether this processor runs the AVX2 span bodies (false off x86).
+inline bool ProcessorHasAvx2() {
+#if defined(__x86_64__) || defined(__i386__)
+  return __builtin_cpu_supports("avx2");
+#else
+  return false;
+#endif
+}
+
 // Fixture: every test ends with as many live blocks as it began with and no bad free.
 class LeakCheckedTest : public ::testing::Test {
  protected:
