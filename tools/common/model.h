@@ -1,4 +1,5 @@
-// Model files (through assimp) turned into engine meshes in a scene.
+// Model files (through assimp, or our own OBJ and PLY readers) turned into
+// engine meshes in a scene.
 #ifndef E3D_TOOLS_MODEL_H
 #define E3D_TOOLS_MODEL_H
 
@@ -17,7 +18,8 @@ enum ModelStatus {
   kModelEmpty = 3,       // read, but without a single polygon to draw
   kModelTooBig = 4,      // more polygons than the engine's 32-bit counts and blocks hold
   kModelNoMemory = 5,    // the engine refused a mesh, scene or viewport
-  kModelWriteFailed = 6  // the image could not be written
+  kModelWriteFailed = 6,  // the image could not be written
+  kModelFacesDropped = 7  // drawn, but polygons the file declares could not be read
 };
 
 // Polygon (and vertex) budget of one scene: its sort area must fit one
@@ -48,6 +50,7 @@ struct Model {
   std::vector<ModelTexture*> textures;
   long long polygons = 0;  // triangle slots in all meshes
   bool textured = false;   // some mesh carries a texture
+  long long dropped = 0;   // polygons the file declares that no reader read
   std::vector<std::string> warnings;
 };
 

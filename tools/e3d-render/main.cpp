@@ -1,4 +1,5 @@
 // e3d-render: draws a model file into a PNG image, or a turntable of images.
+#include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -32,9 +33,13 @@ const char kUsage[] =
     "  --turntable N         N images around the model: IMAGE-000.png ..., or a\n"
     "                        printf pattern such as frame%03d.png\n"
     "  --fps                 time the drawing and print frames per second\n"
+    "  --strict              treat polygons the file declares but no reader read\n"
+    "                        as an error: no picture\n"
     "  -q, --quiet           print errors only\n"
     "exit codes: 0 done, 1 usage, 2 unreadable model, 3 nothing to draw,\n"
-    "            4 model too big, 5 out of memory, 6 image not written\n";
+    "            4 model too big, 5 out of memory, 6 image not written,\n"
+    "            7 polygons the file declares were not read (the picture is\n"
+    "            written without them, unless --strict)\n";
 
 struct Options {
   const char* model = nullptr;
@@ -42,7 +47,7 @@ struct Options {
   int width = 800, height = 600;
   float yaw = 30, pitch = 20, zoom = 1, fov = 45;
   uint32_t shade = kShadeGouraud;
-  int painter = 0, wireframe = 0, quiet = 0, fps = 0, turntable = 0;
+  int painter = 0, wireframe = 0, quiet = 0, fps = 0, turntable = 0, strict = 0;
   uint32_t background = 0x1C2430;
   ModelOptions load;
 };
@@ -55,7 +60,7 @@ int Usage(const char* message) {
 bool ParseFloat(const char* s, float* out) {
   char* end;
   *out = strtof(s, &end);
-  return *s != '\0' && *end == '\0';
+  return *s != '\0' && *end == '\0' && isfinite(*out);  // no NaN, no infinity
 }
 
 // Returns 0 when the options are good, else the exit code.
@@ -108,6 +113,8 @@ int Parse(int argc, char** argv, Options* o) {
       o->load.zUp = true;
     } else if (!strcmp(a, "--one-sided")) {
       o->load.twoSided = false;
+    } else if (!strcmp(a, "--strict")) {
+      o->strict = 1;
     } else if (!strcmp(a, "--fps")) {
       o->fps = 1;
     } else if (!strcmp(a, "-q") || !strcmp(a, "--quiet")) {
@@ -181,6 +188,12 @@ int main(int argc, char** argv) {
     return status;
   }
   for (const std::string& w : model.warnings) fprintf(stderr, "e3d-render: warning: %s\n", w.c_str());
+  if (model.dropped > 0 && o.strict) {
+    fprintf(stderr, "e3d-render: %s: polygons lost, no picture (--strict)\n", o.model);
+    FreeModel(&model);
+    ReleaseEngine3D();
+    return kModelFacesDropped;
+  }
   if (!o.quiet)
     printf("%s: %zu meshes, %lld triangles%s, read in %.2f s\n", o.model, model.meshes.size(), model.polygons,
            model.textured ? ", textured" : "", Now() - loadStart);
@@ -225,6 +238,7 @@ int main(int argc, char** argv) {
            drawing > 0 ? draws / drawing : 0.0);
   if (status == kModelOk && !o.quiet)
     printf("wrote %s%s\n", FrameName(o.output, 0, frames).c_str(), frames > 1 ? " ..." : "");
+  if (status == kModelOk && model.dropped > 0) status = kModelFacesDropped;
   FreeStage(&stage);
   FreeModel(&model);
   ReleaseEngine3D();

@@ -1,6 +1,7 @@
 // The tools' own pieces: splitting big meshes, textures, loading and framing.
 #include <gtest/gtest.h>
 #include <stdio.h>
+#include <string.h>
 #include <unistd.h>
 
 #include <string>
@@ -147,6 +148,100 @@ TEST_F(Engine, StageBorrowsTheSceneCamera) {
   EXPECT_EQ(GetSceneNumberOfLights(scene), 0);
   EXPECT_NE(GetCameraPosition(camera, 0).z, -300.0f);
   DeleteWholeScene(scene);
+}
+
+}  // namespace
+
+namespace {
+
+// Writes bytes to a file of the test's own with the extension given.
+std::string WriteModel(const char* name, const std::string& bytes) {
+  const std::string path = "/tmp/e3d_tools_" + std::to_string(getpid()) + "_" + name;
+  FILE* f = fopen(path.c_str(), "wb");
+  fwrite(bytes.data(), 1, bytes.size(), f);
+  fclose(f);
+  return path;
+}
+
+// A binary PLY header and body: six vertices of a zigzag in the z = 0 plane,
+// two faces (a triangle and a quad, uchar counts and int indices) and two
+// strips of four corners, -1 between them.
+std::string BinaryPly(bool bigEndian) {
+  std::string b = std::string("ply\nformat binary_") + (bigEndian ? "big" : "little") +
+                  "_endian 1.0\nelement vertex 6\nproperty float x\nproperty float y\nproperty float z\n"
+                  "element face 2\nproperty list uchar int vertex_indices\n"
+                  "element tristrips 1\nproperty list int int vertex_indices\nend_header\n";
+  auto word = [&](uint32_t w) {
+    for (int i = 0; i < 4; i++) b += char(bigEndian ? w >> (24 - 8 * i) : w >> (8 * i));
+  };
+  auto real = [&](float v) {
+    uint32_t w;
+    memcpy(&w, &v, 4);
+    word(w);
+  };
+  for (int i = 0; i < 6; i++) real(float(i / 2)), real(float(i % 2)), real(0);
+  b += char(3), word(0), word(2), word(1);
+  b += char(4), word(2), word(4), word(5), word(3);
+  const int strip[] = {0, 1, 2, 3, -1, 2, 3, 4, 5};
+  word(9);
+  for (int v : strip) word(uint32_t(v));
+  return b;
+}
+
+// Every polygon the file holds is drawn: one-sided triangle slots equal the
+// file's triangles, quads counting two, however the corners are written.
+TEST_F(Engine, OurReadersDrawEveryPolygonTheFileHolds) {
+  const struct {
+    const char* name;
+    std::string bytes;
+    long long slots;
+  } files[] = {
+      // Corners with a fourth index, which assimp reads as no face at all; a
+      // face by negative indices; a pentagon fanned into three triangles.
+      {"corners.obj",
+       "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nv 0.5 1.5 0\nvt 0 0\nvn 0 0 1\n"
+       "f 1/1/1/1 2/1/1/1 3/1/1/1 4/1/1/1\nf -5 -4 -1\nf 1//1 2//1 3//1 5//1 4//1\n",
+       2 + 1 + 3},
+      {"strips.ply",
+       "ply\nformat ascii 1.0\nelement vertex 6\nproperty float x\nproperty float y\nproperty float z\n"
+       "element tristrips 1\nproperty list int int vertex_indices\nend_header\n"
+       "0 0 0\n0 1 0\n1 0 0\n1 1 0\n2 0 0\n2 1 0\n9 0 1 2 3 -1 2 3 4 5\n",
+       4},
+      {"little.ply", BinaryPly(false), 1 + 2 + 4},
+      {"big.ply", BinaryPly(true), 1 + 2 + 4},
+  };
+  ModelOptions options;
+  options.twoSided = false;
+  for (const auto& file : files) {
+    const std::string path = WriteModel(file.name, file.bytes);
+    Model model;
+    std::string error;
+    EXPECT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk) << file.name << ": " << error;
+    EXPECT_EQ(model.polygons, file.slots) << file.name;
+    EXPECT_EQ(model.dropped, 0) << file.name;
+    FreeModel(&model);
+    unlink(path.c_str());
+  }
+  // Damaged files are refused with a message: an index past the vertices, a
+  // count the file cannot hold, a body cut short.
+  const std::string ply = BinaryPly(false);
+  const struct {
+    const char* name;
+    std::string bytes;
+  } damaged[] = {
+      {"index.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1/1/1/1 2 4\n"},
+      {"count.ply", "ply\nformat ascii 1.0\nelement vertex 4000000000\nproperty float x\nproperty float y\n"
+                    "property float z\nelement tristrips 1\nproperty list int int vertex_indices\nend_header\n0 0 0\n"},
+      {"short.ply", ply.substr(0, ply.size() - 9)},
+  };
+  for (const auto& file : damaged) {
+    const std::string path = WriteModel(file.name, file.bytes);
+    Model model;
+    std::string error;
+    EXPECT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelUnreadable) << file.name;
+    EXPECT_FALSE(error.empty());
+    unlink(path.c_str());
+  }
 }
 
 }  // namespace

@@ -1,0 +1,558 @@
+// Our own OBJ and PLY readers. Strict and bounded: every count and index is
+// checked against what the file holds before it is used, nothing recurses,
+// and a damaged file gives a message, never a read outside it.
+#include "own_readers.h"
+
+#include <assimp/material.h>
+#include <assimp/scene.h>
+#include <stdio.h>
+#include <string.h>
+#include <strings.h>
+
+#include <charconv>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+bool ReadFile(const char* path, std::string* out) {
+  FILE* f = fopen(path, "rb");
+  if (f == nullptr) return false;
+  char buffer[1 << 16];
+  size_t n;
+  while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out->append(buffer, n);
+  const bool ok = ferror(f) == 0;
+  fclose(f);
+  return ok;
+}
+
+std::string Extension(const char* path) {
+  const char* dot = strrchr(path, '.');
+  std::string ext = dot != nullptr && strchr(dot, '/') == nullptr ? dot + 1 : "";
+  for (char& c : ext) c = char(c >= 'A' && c <= 'Z' ? c + 32 : c);
+  return ext;
+}
+
+std::string Folder(const char* path) {
+  const char* slash = strrchr(path, '/');
+  return slash == nullptr ? "" : std::string(path, size_t(slash - path + 1));
+}
+
+// Text read a line and a token at a time.
+struct Text {
+  const char* p;
+  const char* end;
+  bool AtEnd() const { return p >= end; }
+  void SkipBlanks() {
+    while (p < end && (*p == ' ' || *p == '\t' || *p == '\r')) ++p;
+  }
+  void NextLine() {
+    const void* nl = memchr(p, '\n', size_t(end - p));
+    p = nl != nullptr ? static_cast<const char*>(nl) + 1 : end;
+  }
+  // The next token of this line, empty at its end.
+  std::string_view Token() {
+    SkipBlanks();
+    const char* start = p;
+    while (p < end && *p != ' ' && *p != '\t' && *p != '\r' && *p != '\n') ++p;
+    return {start, size_t(p - start)};
+  }
+  // The rest of the line, without its ending blanks.
+  std::string_view Rest() {
+    SkipBlanks();
+    const char* start = p;
+    while (p < end && *p != '\n') ++p;
+    const char* last = p;
+    while (last > start && (last[-1] == '\r' || last[-1] == ' ' || last[-1] == '\t')) --last;
+    return {start, size_t(last - start)};
+  }
+};
+
+template <class T>
+bool Number(std::string_view s, T* out) {
+  if (!s.empty() && s[0] == '+') s.remove_prefix(1);
+  const auto r = std::from_chars(s.data(), s.data() + s.size(), *out);
+  return r.ec == std::errc() && r.ptr == s.data() + s.size();
+}
+
+// What both readers build: meshes of vertices, texture coordinates and
+// polygons (corner counts and corners in one list), and their materials.
+struct Part {
+  std::vector<aiVector3D> vertices, uvs;
+  std::vector<unsigned> corners, sizes;
+};
+
+struct OwnMaterial {
+  std::string name;
+  aiColor3D diffuse{0.8f, 0.8f, 0.8f};
+  float opacity = 1;
+  std::string texture;
+};
+
+std::unique_ptr<aiScene> MakeScene(std::vector<Part>& parts, const std::vector<OwnMaterial>& materials) {
+  auto scene = std::make_unique<aiScene>();
+  scene->mRootNode = new aiNode();
+  // The scene frees its arrays only when their counts are not 0.
+  if (!materials.empty()) scene->mMaterials = new aiMaterial*[materials.size()];
+  for (const OwnMaterial& m : materials) {
+    aiMaterial* mat = new aiMaterial();
+    mat->AddProperty(&m.diffuse, 1, AI_MATKEY_COLOR_DIFFUSE);
+    mat->AddProperty(&m.opacity, 1, AI_MATKEY_OPACITY);
+    if (!m.texture.empty()) {
+      const aiString path(m.texture);
+      mat->AddProperty(&path, AI_MATKEY_TEXTURE_DIFFUSE(0));
+    }
+    scene->mMaterials[scene->mNumMaterials++] = mat;
+  }
+  scene->mMeshes = new aiMesh*[parts.size()];
+  scene->mRootNode->mMeshes = new unsigned[parts.size()];
+  for (size_t i = 0; i < parts.size(); i++) {
+    Part& part = parts[i];
+    if (part.sizes.empty()) continue;
+    aiMesh* mesh = new aiMesh();
+    mesh->mMaterialIndex = unsigned(i < materials.size() ? i : 0);
+    mesh->mPrimitiveTypes = aiPrimitiveType_TRIANGLE | aiPrimitiveType_POLYGON;
+    mesh->mNumVertices = unsigned(part.vertices.size());
+    mesh->mVertices = new aiVector3D[part.vertices.size()];
+    std::copy(part.vertices.begin(), part.vertices.end(), mesh->mVertices);
+    if (!part.uvs.empty()) {
+      mesh->mTextureCoords[0] = new aiVector3D[part.uvs.size()];
+      std::copy(part.uvs.begin(), part.uvs.end(), mesh->mTextureCoords[0]);
+      mesh->mNumUVComponents[0] = 2;
+    }
+    mesh->mFaces = new aiFace[part.sizes.size()];
+    size_t at = 0;
+    for (size_t f = 0; f < part.sizes.size(); f++) {
+      aiFace& face = mesh->mFaces[mesh->mNumFaces++];
+      face.mNumIndices = part.sizes[f];
+      face.mIndices = new unsigned[part.sizes[f]];
+      std::copy(part.corners.begin() + long(at), part.corners.begin() + long(at + part.sizes[f]),
+                face.mIndices);
+      at += part.sizes[f];
+    }
+    scene->mRootNode->mMeshes[scene->mRootNode->mNumMeshes++] = scene->mNumMeshes;
+    scene->mMeshes[scene->mNumMeshes++] = mesh;
+    part = Part();  // the copy in the scene is all that is needed now
+  }
+  return scene;
+}
+
+// ---- OBJ ----
+
+// A position, texture and normal index triple: one vertex of ours, so a
+// corner that differs in its normal keeps the edge the file draws.
+struct Key {
+  long long p, t, n;
+  bool operator==(const Key& o) const { return p == o.p && t == o.t && n == o.n; }
+};
+struct KeyHash {
+  size_t operator()(const Key& k) const {
+    return size_t(k.p * 0x9E3779B97F4A7C15ull ^ k.t * 0xC2B2AE3D27D4EB4Full ^ k.n * 0x165667B19E3779F9ull);
+  }
+};
+
+// An index of a list of count entries: 1-based, or negative counting back
+// from the end; -1 for none (empty), -2 when out of range or not a number.
+long long ObjIndex(std::string_view s, size_t count) {
+  if (s.empty()) return -1;
+  long long i = 0;
+  if (!Number(s, &i) || i == 0) return -2;
+  i = i > 0 ? i - 1 : (long long)count + i;
+  return i >= 0 && i < (long long)count ? i : -2;
+}
+
+void ReadMaterialLibrary(const std::string& path, std::vector<OwnMaterial>* out) {
+  std::string bytes;
+  if (!ReadFile(path.c_str(), &bytes)) return;
+  Text t{bytes.data(), bytes.data() + bytes.size()};
+  OwnMaterial* current = nullptr;
+  for (; !t.AtEnd(); t.NextLine()) {
+    const std::string_view word = t.Token();
+    if (word == "newmtl") {
+      out->push_back({std::string(t.Rest())});
+      current = &out->back();
+    } else if (current != nullptr && word == "Kd") {
+      float c[3] = {0.8f, 0.8f, 0.8f};
+      for (float& v : c) Number(t.Token(), &v);
+      current->diffuse = aiColor3D(c[0], c[1], c[2]);
+    } else if (current != nullptr && word == "d") {
+      Number(t.Token(), &current->opacity);
+    } else if (current != nullptr && word == "map_Kd") {
+      // Options come first; the file name is the last token.
+      std::string_view last;
+      for (std::string_view token = t.Token(); !token.empty(); token = t.Token()) last = token;
+      current->texture = std::string(last);
+    }
+  }
+}
+
+std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& folder, std::string* error) {
+  std::vector<aiVector3D> positions, uvs;
+  size_t normals = 0;
+  std::vector<OwnMaterial> library, used;
+  std::vector<Part> parts;
+  std::vector<std::unordered_map<Key, unsigned, KeyHash>> joined;
+  size_t part = 0;
+  auto usePart = [&](const std::string& name) {
+    for (size_t i = 0; i < used.size(); i++)
+      if (used[i].name == name) return i;
+    OwnMaterial m{name};
+    for (const OwnMaterial& l : library)
+      if (l.name == name) m = l;
+    used.push_back(m);
+    parts.emplace_back();
+    joined.emplace_back();
+    return used.size() - 1;
+  };
+  usePart("");
+  Text t{bytes.data(), bytes.data() + bytes.size()};
+  long long line = 1;
+  for (; !t.AtEnd(); t.NextLine(), line++) {
+    const std::string_view word = t.Token();
+    if (word == "v" || word == "vt") {
+      float c[3] = {0, 0, 0};
+      const int need = word == "v" ? 3 : 1;
+      for (int i = 0; i < 3; i++) {
+        const std::string_view token = t.Token();
+        if (token.empty() && i >= need) break;
+        if (!Number(token, &c[i])) {
+          *error = "line " + std::to_string(line) + ": a coordinate is not a number";
+          return nullptr;
+        }
+      }
+      if (word == "v")
+        positions.emplace_back(c[0], c[1], c[2]);
+      else
+        uvs.emplace_back(c[0], 1.0f - c[1], 0.0f);  // rows from the top, as images are stored
+    } else if (word == "vn") {
+      normals++;
+    } else if (word == "mtllib") {
+      for (std::string_view name = t.Token(); !name.empty(); name = t.Token())
+        ReadMaterialLibrary(folder + std::string(name), &library);
+    } else if (word == "usemtl") {
+      part = usePart(std::string(t.Rest()));
+    } else if (word == "f") {
+      Part& target = parts[part];
+      unsigned count = 0;
+      bool textured = true;
+      for (std::string_view corner = t.Token(); !corner.empty(); corner = t.Token()) {
+        // Position, texture, normal; any further indices are ignored.
+        std::string_view field[3];
+        for (int i = 0; i < 3 && !corner.empty(); i++) {
+          const size_t slash = corner.find('/');
+          field[i] = corner.substr(0, slash);
+          corner = slash == std::string_view::npos ? std::string_view() : corner.substr(slash + 1);
+        }
+        const Key key{ObjIndex(field[0], positions.size()), ObjIndex(field[1], uvs.size()),
+                      ObjIndex(field[2], normals)};
+        if (key.p < 0 || key.t == -2 || key.n == -2) {
+          *error = "line " + std::to_string(line) + ": a face corner names no vertex of the file";
+          return nullptr;
+        }
+        textured = textured && key.t >= 0;
+        auto [at, fresh] = joined[part].try_emplace(key, unsigned(target.vertices.size()));
+        if (fresh) {
+          target.vertices.push_back(positions[size_t(key.p)]);
+          target.uvs.push_back(key.t >= 0 ? uvs[size_t(key.t)] : aiVector3D());
+        }
+        target.corners.push_back(at->second);
+        count++;
+      }
+      if (count < 3) {
+        *error = "line " + std::to_string(line) + ": a face of fewer than three corners";
+        return nullptr;
+      }
+      target.sizes.push_back(count);
+    }
+  }
+  for (Part& p : parts) {
+    bool anyUv = false;
+    for (const aiVector3D& uv : p.uvs) anyUv = anyUv || uv.x != 0 || uv.y != 0;
+    if (!anyUv) p.uvs.clear();
+  }
+  return MakeScene(parts, used);
+}
+
+// ---- PLY ----
+
+enum PlyType { kNone, kInt8, kUint8, kInt16, kUint16, kInt32, kUint32, kFloat32, kFloat64 };
+
+PlyType PlyTypeOf(std::string_view s) {
+  static const struct {
+    const char* name;
+    PlyType type;
+  } kNames[] = {{"char", kInt8},     {"int8", kInt8},       {"uchar", kUint8},    {"uint8", kUint8},
+                {"short", kInt16},   {"int16", kInt16},     {"ushort", kUint16},  {"uint16", kUint16},
+                {"int", kInt32},     {"int32", kInt32},     {"uint", kUint32},    {"uint32", kUint32},
+                {"float", kFloat32}, {"float32", kFloat32}, {"double", kFloat64}, {"float64", kFloat64}};
+  for (const auto& n : kNames)
+    if (s == n.name) return n.type;
+  return kNone;
+}
+
+int PlySize(PlyType t) {
+  static const int kSizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8};
+  return kSizes[t];
+}
+
+struct PlyProperty {
+  std::string name;
+  PlyType type = kNone, countType = kNone;  // countType: a list
+};
+
+struct PlyElement {
+  std::string name;
+  long long count = 0;
+  std::vector<PlyProperty> properties;
+};
+
+// Values read one at a time from the body, in ASCII or either byte order.
+struct PlyBody {
+  const char* p;
+  const char* end;
+  int format;  // 0 ASCII, 1 little-endian, 2 big-endian
+  bool ok = true;
+
+  double Read(PlyType type) {
+    if (format == 0) {
+      Text t{p, end};
+      while (t.p < end && (*t.p == '\n' || *t.p == ' ' || *t.p == '\t' || *t.p == '\r')) ++t.p;
+      const std::string_view token = t.Token();
+      p = t.p;
+      double v = 0;
+      long long i = 0;
+      if (type == kFloat32 || type == kFloat64 ? Number(token, &v)
+                                               : (Number(token, &i) && (v = double(i), true)))
+        return v;
+      ok = false;
+      return 0;
+    }
+    const int size = PlySize(type);
+    if (end - p < size) {
+      ok = false;
+      return 0;
+    }
+    unsigned char b[8];
+    for (int i = 0; i < size; i++) b[i] = static_cast<unsigned char>(p[format == 1 ? i : size - 1 - i]);
+    p += size;
+    uint64_t u = 0;
+    for (int i = size - 1; i >= 0; i--) u = u << 8 | b[i];
+    switch (type) {
+      case kInt8:
+        return double(int8_t(u));
+      case kUint8:
+        return double(uint8_t(u));
+      case kInt16:
+        return double(int16_t(u));
+      case kUint16:
+        return double(uint16_t(u));
+      case kInt32:
+        return double(int32_t(u));
+      case kUint32:
+        return double(uint32_t(u));
+      case kFloat32: {
+        float f;
+        const uint32_t w = uint32_t(u);
+        memcpy(&f, &w, 4);
+        return f;
+      }
+      default: {
+        double d;
+        memcpy(&d, &u, 8);
+        return d;
+      }
+    }
+  }
+};
+
+std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error) {
+  const char* data = bytes.data();
+  const char* end = data + bytes.size();
+  Text t{data, end};
+  if (t.Token() != "ply") {
+    *error = "not a PLY file";
+    return nullptr;
+  }
+  t.NextLine();
+  int format = -1;
+  bool known = true;  // every count and type of the header one this reader knows
+  std::vector<PlyElement> elements;
+  bool ended = false;
+  for (; !t.AtEnd() && !ended; t.NextLine()) {
+    const std::string_view word = t.Token();
+    if (word == "format") {
+      const std::string_view f = t.Token();
+      format = f == "ascii" ? 0 : f == "binary_little_endian" ? 1 : f == "binary_big_endian" ? 2 : -1;
+    } else if (word == "element") {
+      PlyElement e{std::string(t.Token())};
+      if (!Number(t.Token(), &e.count) || e.count < 0) known = false;
+      elements.push_back(e);
+    } else if (word == "property" && !elements.empty()) {
+      PlyProperty prop;
+      std::string_view type = t.Token();
+      if (type == "list") {
+        prop.countType = PlyTypeOf(t.Token());
+        type = t.Token();
+        if (prop.countType == kNone || prop.countType == kFloat32 || prop.countType == kFloat64) known = false;
+      }
+      prop.type = PlyTypeOf(type);
+      prop.name = std::string(t.Token());
+      if (prop.type == kNone) known = false;
+      elements.back().properties.push_back(prop);
+    } else if (word == "end_header") {
+      ended = true;
+    }
+  }
+  if (!ended || format < 0 || !known) {
+    *error = ended ? "a PLY header this reader does not know" : kPlyHeaderUnended;
+    return nullptr;
+  }
+  PlyBody body{t.p, end, format};
+  std::vector<Part> parts(1);
+  Part& part = parts[0];
+  size_t vertexCount = 0;
+  for (const PlyElement& e : elements) {
+    // Each element takes at least a byte a value (two in ASCII): a count the
+    // file cannot hold is refused before anything is allocated.
+    long long least = 0;
+    for (const PlyProperty& p : e.properties)
+      least += format == 0 ? 2 : PlySize(p.countType ? p.countType : p.type);
+    if (least == 0) continue;  // no properties: nothing in the body
+    if (e.count > (end - body.p) / least) {
+      *error = "element " + e.name + " claims more than the file holds";
+      return nullptr;
+    }
+    const bool vertex = e.name == "vertex", face = e.name == "face", strips = e.name == "tristrips";
+    int xyz[3] = {-1, -1, -1};
+    int list = -1;
+    for (size_t i = 0; i < e.properties.size(); i++) {
+      const PlyProperty& p = e.properties[i];
+      for (int k = 0; k < 3; k++)
+        if (p.countType == kNone && p.name == std::string(1, char('x' + k))) xyz[k] = int(i);
+      if (p.countType != kNone && (list < 0 || p.name == "vertex_indices" || p.name == "vertex_index"))
+        list = int(i);
+    }
+    if (vertex) {
+      if (xyz[0] < 0 || xyz[1] < 0 || xyz[2] < 0) {
+        *error = "vertices without x, y and z";
+        return nullptr;
+      }
+      part.vertices.reserve(size_t(e.count));
+      vertexCount = size_t(e.count);
+    }
+    std::vector<long long> items;
+    for (long long n = 0; n < e.count && body.ok; n++) {
+      float c[3] = {0, 0, 0};
+      items.clear();
+      for (size_t i = 0; i < e.properties.size() && body.ok; i++) {
+        const PlyProperty& p = e.properties[i];
+        if (p.countType == kNone) {
+          const double v = body.Read(p.type);
+          for (int k = 0; k < 3; k++)
+            if (xyz[k] == int(i)) c[k] = float(v);
+          continue;
+        }
+        const double count = body.Read(p.countType);
+        if (!(count >= 0) || count > double(end - body.p) / (format == 0 ? 2 : PlySize(p.type))) {
+          body.ok = false;
+          break;
+        }
+        for (long long k = 0; k < (long long)count && body.ok; k++) {
+          const double v = body.Read(p.type);
+          if (int(i) == list) items.push_back((long long)v);
+        }
+      }
+      if (vertex) part.vertices.emplace_back(c[0], c[1], c[2]);
+      for (long long v : items)
+        if ((face || strips) && (v < -1 || v >= (long long)vertexCount || (face && v < 0))) body.ok = false;
+      if (!body.ok) break;
+      if (face && items.size() >= 3) {
+        for (long long v : items) part.corners.push_back(unsigned(v));
+        part.sizes.push_back(unsigned(items.size()));
+      } else if (strips) {
+        // Every other triangle of a strip turns the other way: its first two
+        // corners swap so all face the same side. -1 starts a new strip.
+        size_t start = 0;
+        for (size_t k = 0; k <= items.size(); k++) {
+          if (k < items.size() && items[k] >= 0) continue;
+          for (size_t j = start; j + 2 < k; j++) {
+            const bool odd = (j - start) % 2 == 1;
+            const long long a = items[odd ? j + 1 : j], b = items[odd ? j : j + 1], c2 = items[j + 2];
+            part.corners.insert(part.corners.end(), {unsigned(a), unsigned(b), unsigned(c2)});
+            part.sizes.push_back(3);
+          }
+          start = k + 1;
+        }
+      }
+    }
+    if (!body.ok) {
+      *error = "element " + e.name + " is damaged or cut short";
+      return nullptr;
+    }
+  }
+  return MakeScene(parts, {});
+}
+
+}  // namespace
+
+std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
+                                           const std::string& folder, std::string* error) {
+  if (strcmp(format, "obj") == 0) return ReadObj(bytes, folder, error);
+  if (strcmp(format, "ply") == 0) return ReadPly(bytes, error);
+  *error = "no reader of ours for this format";
+  return nullptr;
+}
+
+std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error) {
+  std::string bytes;
+  if (!ReadFile(path, &bytes)) {
+    *error = "cannot be read";
+    return nullptr;
+  }
+  return ReadOwnModelBytes(bytes, Extension(path).c_str(), Folder(path), error);
+}
+
+long long DeclaredPolygons(const char* path, bool* strips) {
+  *strips = false;
+  const std::string ext = Extension(path);
+  std::string bytes;
+  if ((ext != "obj" && ext != "ply" && ext != "off" && ext != "stl") || !ReadFile(path, &bytes)) return -1;
+  Text t{bytes.data(), bytes.data() + bytes.size()};
+  if (ext == "obj") {
+    long long faces = 0;
+    for (; !t.AtEnd(); t.NextLine()) faces += t.Token() == "f";
+    return faces;
+  }
+  if (ext == "ply") {
+    long long faces = -1;
+    for (; !t.AtEnd(); t.NextLine()) {
+      const std::string_view word = t.Token();
+      if (word == "end_header") break;
+      if (word != "element") continue;
+      const std::string_view name = t.Token();
+      long long count = 0;
+      if (name == "face" && Number(t.Token(), &count)) faces = count;
+      if (name == "tristrips") *strips = true;
+    }
+    return *strips ? -1 : faces;
+  }
+  if (ext == "off") {
+    // "OFF", then the counts (vertices, faces, edges) on the first line that is not a comment.
+    for (t.NextLine(); !t.AtEnd(); t.NextLine()) {
+      const std::string_view first = t.Token();
+      if (first.empty() || first[0] == '#') continue;
+      long long faces = -1;
+      return Number(t.Token(), &faces) ? faces : -1;
+    }
+    return -1;
+  }
+  // STL: a binary file is 84 bytes and 50 a facet; else count ASCII facets.
+  if (bytes.size() >= 84) {
+    uint32_t count;
+    memcpy(&count, bytes.data() + 80, 4);
+    if (bytes.size() == 84 + 50ull * count) return count;
+  }
+  long long facets = 0;
+  for (; !t.AtEnd(); t.NextLine()) facets += t.Token() == "facet";
+  return facets;
+}

@@ -1,0 +1,32 @@
+// Our own readers of OBJ and PLY files, for what assimp's readers drop:
+// OBJ corners with more than three indices, PLY triangle strips. They build
+// the same kind of scene assimp does, so one builder serves both, and they
+// count what a file declares, so that a loss is noticed.
+#ifndef E3D_TOOLS_OWN_READERS_H
+#define E3D_TOOLS_OWN_READERS_H
+
+#include <memory>
+#include <string>
+
+struct aiScene;
+
+// The polygons a model file declares (OBJ face lines, PLY faces, OFF faces,
+// STL facets), or -1 where the format or the file does not say. A PLY with
+// triangle strips declares the triangles of its strips, which needs the
+// whole file read: *strips is set and the count is -1.
+long long DeclaredPolygons(const char* path, bool* strips);
+
+// The message of a PLY file whose header has no end_header line of its own.
+inline constexpr const char* kPlyHeaderUnended = "a PLY header without end_header";
+
+// Reads an OBJ or PLY file (by its extension) into a scene of one mesh per
+// material. Null with a message in *error when the file is damaged or of
+// another format; never reads outside the file.
+std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error);
+
+// The same from bytes in memory; format is "obj" or "ply". folder is where
+// an OBJ's material library is looked for.
+std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
+                                           const std::string& folder, std::string* error);
+
+#endif
