@@ -482,6 +482,13 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   return kModelOk;
 }
 
+bool ModelExtensionKnown(const char* path) {
+  const char* dot = strrchr(path, '.');
+  if (dot == nullptr || strchr(dot, '/') != nullptr) return false;
+  Assimp::Importer importer;
+  return importer.IsExtensionSupported(dot) || strcasecmp(dot, ".ply") == 0 || strcasecmp(dot, ".obj") == 0;
+}
+
 void FreeModel(Model* model) {
   if (model->scene != nullptr) DeleteWholeScene(model->scene);
   for (ModelTexture* t : model->textures) FreeModelTexture(t);

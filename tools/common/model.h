@@ -57,6 +57,8 @@ struct Model {
 // Loads path into a new scene of validated meshes (no camera, no lights).
 // On failure returns the status and a message in *error, and leaves *model empty.
 ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* model, std::string* error);
+// Whether path's extension names a format the readers know.
+bool ModelExtensionKnown(const char* path);
 // Deletes the scene with everything in it, and the textures.
 void FreeModel(Model* model);
 

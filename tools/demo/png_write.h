@@ -8,4 +8,9 @@
    file was written, 0 otherwise. */
 int WritePng555(const char* path, const uint16_t* pixels, int width, int height, int pitch);
 
+/* The same with an alpha channel from alpha (one byte a pixel, rows of
+   width): an RGBA PNG. A transparent pixel is written as black. */
+int WritePng555Alpha(const char* path, const uint16_t* pixels, int width, int height, int pitch,
+                     const unsigned char* alpha);
+
 #endif

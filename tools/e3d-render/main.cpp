@@ -3,11 +3,13 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <string>
 
+#include "batch.h"
 #include "model.h"
 extern "C" {
 #include "png_write.h"
@@ -18,6 +20,7 @@ namespace {
 
 const char kUsage[] =
     "usage: e3d-render MODEL -o IMAGE.png [options]\n"
+    "       e3d-render --batch DIR -o FOLDER [-j N] [options]\n"
     "  -s, --size WxH        image size (800x600)\n"
     "  --yaw DEG             camera turn about the vertical axis (30)\n"
     "  --pitch DEG           camera height angle, positive from above (20)\n"
@@ -33,13 +36,19 @@ const char kUsage[] =
     "  --turntable N         N images around the model: IMAGE-000.png ..., or a\n"
     "                        printf pattern such as frame%03d.png\n"
     "  --fps                 time the drawing and print frames per second\n"
+    "  --thumbnail N         an N x N picture with a transparent background, as a\n"
+    "                        file manager's thumbnailer wants (10 s at most)\n"
+    "  --batch DIR           every model under DIR, into the folder -o names:\n"
+    "                        DIR/a/b.ply -> OUT/a/b.ply.png\n"
+    "  -j, --jobs N          batch processes at once (one a core)\n"
     "  --strict              treat polygons the file declares but no reader read\n"
     "                        as an error: no picture\n"
     "  -q, --quiet           print errors only\n"
     "exit codes: 0 done, 1 usage, 2 unreadable model, 3 nothing to draw,\n"
     "            4 model too big, 5 out of memory, 6 image not written,\n"
     "            7 polygons the file declares were not read (the picture is\n"
-    "            written without them, unless --strict)\n";
+    "            written without them, unless --strict); a batch: 0 all\n"
+    "            drawn, 7 some lost polygons, 8 some failed\n";
 
 struct Options {
   const char* model = nullptr;
@@ -47,7 +56,10 @@ struct Options {
   int width = 800, height = 600;
   float yaw = 30, pitch = 20, zoom = 1, fov = 45;
   uint32_t shade = kShadeGouraud;
-  int painter = 0, wireframe = 0, quiet = 0, fps = 0, turntable = 0, strict = 0;
+  int painter = 0, wireframe = 0, quiet = 0, fps = 0, turntable = 0, strict = 0, thumbnail = 0;
+  const char* batch = nullptr;  // --batch DIR: output is then a folder
+  int jobs = 0;                 // -j: batch processes at once, 0 for one a core
+  std::string modelPath;  // the model as a path, a file:// URI decoded
   uint32_t background = 0x1C2430;
   ModelOptions load;
 };
@@ -61,6 +73,32 @@ bool ParseFloat(const char* s, float* out) {
   char* end;
   *out = strtof(s, &end);
   return *s != '\0' && *end == '\0' && isfinite(*out);  // no NaN, no infinity
+}
+
+// A path, or a file:// URI (file managers pass either): the path it names,
+// percent escapes decoded. False for another host or a bad escape.
+bool PathOf(const char* model, std::string* path) {
+  if (strncmp(model, "file://", 7) != 0) {
+    *path = model;
+    return true;
+  }
+  const char* p = model + 7;
+  if (strncmp(p, "localhost/", 10) == 0) p += 9;
+  if (*p != '/') return false;
+  path->clear();
+  for (; *p != '\0'; p++) {
+    if (*p != '%') {
+      *path += *p;
+      continue;
+    }
+    char hex[3] = {p[1], p[1] ? p[2] : '\0', '\0'};
+    char* end;
+    const long c = strtol(hex, &end, 16);
+    if (end != hex + 2 || c == 0) return false;
+    *path += char(c);
+    p += 2;
+  }
+  return true;
 }
 
 // Returns 0 when the options are good, else the exit code.
@@ -113,6 +151,17 @@ int Parse(int argc, char** argv, Options* o) {
       o->load.zUp = true;
     } else if (!strcmp(a, "--one-sided")) {
       o->load.twoSided = false;
+    } else if (!strcmp(a, "--thumbnail")) {
+      const char* s = value();
+      if (s == nullptr || (o->thumbnail = atoi(s)) < 16 || o->thumbnail > 2048)
+        return Usage("--thumbnail needs a size from 16 to 2048");
+      o->width = o->height = o->thumbnail;
+      o->quiet = 1;
+    } else if (!strcmp(a, "--batch")) {
+      if ((o->batch = value()) == nullptr) return Usage("--batch needs a folder");
+    } else if (!strcmp(a, "-j") || !strcmp(a, "--jobs")) {
+      const char* s = value();
+      if (s == nullptr || (o->jobs = atoi(s)) < 1 || o->jobs > 256) return Usage("-j needs a count from 1 to 256");
     } else if (!strcmp(a, "--strict")) {
       o->strict = 1;
     } else if (!strcmp(a, "--fps")) {
@@ -127,7 +176,15 @@ int Parse(int argc, char** argv, Options* o) {
       return Usage("give one model");
     }
   }
+  if (o->batch != nullptr) {
+    if (o->model != nullptr) return Usage("--batch takes a folder, not a model as well");
+    if (o->output == nullptr) return Usage("no output folder given (-o FOLDER)");
+    if (o->turntable > 0) return Usage("--batch draws one picture a model");
+    return 0;
+  }
   if (o->model == nullptr) return Usage("no model given");
+  if (!PathOf(o->model, &o->modelPath)) return Usage("the model's file:// address is not a local path");
+  o->model = o->modelPath.c_str();
   if (o->output == nullptr) return Usage("no image given (-o IMAGE.png)");
   return 0;
 }
@@ -156,6 +213,21 @@ void Progress(int done, int total) {
   fflush(stderr);
 }
 
+// A thumbnail: drawn over black and over white, a pixel is transparent
+// where both show the background (the drawing wrote nothing there).
+bool WriteThumbnail(Stage* stage, const char* path) {
+  const size_t n = size_t(stage->width) * stage->height;
+  DrawStage(stage, 0x000000);
+  std::string first(reinterpret_cast<const char*>(stage->pixels), n * 2);
+  DrawStage(stage, 0xFFFFFF);
+  const uint16_t* black = reinterpret_cast<const uint16_t*>(first.data());
+  std::string alpha(n, '\xFF');
+  for (size_t i = 0; i < n; i++)
+    if ((black[i] & 0x7FFF) == 0 && (stage->pixels[i] & 0x7FFF) == 0x7FFF) alpha[i] = 0;
+  return WritePng555Alpha(path, black, stage->width, stage->height, stage->width,
+                          reinterpret_cast<const unsigned char*>(alpha.data())) != 0;
+}
+
 double Now() {
   timespec t;
   clock_gettime(CLOCK_MONOTONIC, &t);
@@ -171,12 +243,16 @@ bool GoodPattern(const char* output) {
   return *p == 'd' && strchr(p, '%') == nullptr;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  Options o;
-  if (const int code = Parse(argc, argv, &o)) return code;
-  if (!GoodPattern(o.output)) return Usage("an image pattern takes one %d");
+// One model into its picture (or pictures); the exit code.
+int Render(Options& o) {
+  if (o.thumbnail > 0) {
+    // File managers run thumbnailers unattended on any file: a short time
+    // and a memory cap, whatever the file does.
+    alarm(10);
+    const rlimit cap = {rlim_t(2) << 30, rlim_t(2) << 30};
+    setrlimit(RLIMIT_AS, &cap);
+    if (o.load.importSeconds > 8) o.load.importSeconds = 8;
+  }
   InitEngine3D();
   Model model;
   std::string error;
@@ -226,7 +302,9 @@ int main(int argc, char** argv) {
     }
     drawing += Now() - start;
     const std::string name = FrameName(o.output, f, frames);
-    if (!WritePng555(name.c_str(), stage.pixels, o.width, o.height, o.width)) {
+    const bool written = o.thumbnail > 0 ? WriteThumbnail(&stage, name.c_str())
+                                         : WritePng555(name.c_str(), stage.pixels, o.width, o.height, o.width);
+    if (!written) {
       if (bar) fputc('\n', stderr);
       fprintf(stderr, "e3d-render: cannot write %s\n", name.c_str());
       status = kModelWriteFailed;
@@ -243,4 +321,23 @@ int main(int argc, char** argv) {
   FreeModel(&model);
   ReleaseEngine3D();
   return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options o;
+  if (const int code = Parse(argc, argv, &o)) return code;
+  if (!GoodPattern(o.output)) return Usage("an image pattern takes one %d");
+  if (o.batch == nullptr) return Render(o);
+  const int jobs = o.jobs > 0 ? o.jobs : int(sysconf(_SC_NPROCESSORS_ONLN));
+  auto one = [](const char* input, const char* output, void* user) {
+    Options file = *static_cast<const Options*>(user);
+    file.modelPath = input;
+    file.model = file.modelPath.c_str();
+    file.output = output;
+    file.quiet = 1;
+    return Render(file);
+  };
+  return RunBatch(o.batch, o.output, jobs > 0 ? jobs : 1, o.quiet, one, &o);
 }

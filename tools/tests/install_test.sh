@@ -10,6 +10,8 @@ step install.log cmake --install "$build" --prefix "$prefix"
 lib=$(dirname "$(find "$prefix" -name libengine3d.so -print | head -n 1)")
 test -f "$prefix/include/engine3d.h" && test -f "$lib/pkgconfig/engine3d.pc"
 test -f "$lib/cmake/engine3d/engine3dConfig.cmake"
+# The thumbnailer entry comes with the tools.
+[ ! -x "$prefix/bin/e3d-render" ] || test -f "$prefix/share/thumbnailers/engine3d.thumbnailer"
 
 step configure.log cmake -S "$examples" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix"
 step build.log cmake --build "$work/cmake"
