@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   const char* format = kFormats[data[0] % (sizeof kFormats / sizeof kFormats[0])];
   // Our own readers straight from memory: a scene or a message, at once.
-  if (std::string(format) == "obj" || std::string(format) == "ply") {
+  if (std::string(format) == "obj" || std::string(format) == "ply" || std::string(format) == "stl") {
     std::string error;
     const std::string bytes(reinterpret_cast<const char*>(data + 1), size - 1);
     const std::unique_ptr<aiScene> scene = ReadOwnModelBytes(bytes, format, "/nonexistent/", &error);

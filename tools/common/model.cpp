@@ -394,21 +394,22 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   if (!S_ISREG(st.st_mode)) return Fail(kModelUnreadable, error, std::string(path) + ": not a file");
   if (PlyWithoutHeaderEnd(path))
     return Fail(kModelUnreadable, error, std::string(path) + ": PLY header without end_header");
-  // Our PLY reader comes first (it reads strips, which assimp's skips); our
-  // OBJ reader takes any OBJ of which assimp reads fewer polygons than the
-  // file declares (corners of four indices). A PLY header that ours finds
-  // unended is refused outright: assimp's reader can loop on it.
+  // Our own readers come first for OBJ, PLY and STL: they read what
+  // assimp's drop (OBJ corners of four indices, PLY strips), read the file
+  // once and in this process. A file ours refuses goes to assimp, which reads
+  // every other format, in a child process first. A PLY header that ours
+  // finds unended is refused outright: assimp's reader can loop on it.
   bool strips = false;
   const long long declared = DeclaredPolygons(path, &strips);
   std::string ext = strrchr(path, '.') != nullptr ? strrchr(path, '.') + 1 : "";
   for (char& c : ext) c = char(c >= 'A' && c <= 'Z' ? c + 32 : c);
   std::unique_ptr<aiScene> ownScene;
   std::string ownError;
-  if (strips || ext == "ply") {
+  if (ext == "obj" || ext == "ply" || ext == "stl") {
     ownScene = ReadOwnModel(path, &ownError);
     if (ownScene == nullptr && (strips || ownError == kPlyHeaderUnended))
       return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
-    if (ownScene == nullptr) model->warnings.push_back("our PLY reader refused the file (" + ownError + "); read by assimp");
+    if (ownScene == nullptr) model->warnings.push_back("our reader refused the file (" + ownError + "); read by assimp");
   }
   Assimp::Importer importer;
   const aiScene* ai = ownScene.get();
@@ -416,23 +417,10 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
     ModelStatus read = TrialRead(path, options, error);
     if (read == kModelOk) read = ReadScene(importer, path, options, &ai, error);
     const long long got = read == kModelOk ? PolygonsRead(ai) : 0;
-    if (ext == "obj" && (read != kModelOk || (declared >= 0 && got < declared))) {
-      ownScene = ReadOwnModel(path, &ownError);
-      if (ownScene != nullptr) {
-        ai = ownScene.get();
-        model->warnings.push_back(read == kModelOk ? "assimp read " + std::to_string(got) + " of the " +
-                                                         std::to_string(declared) +
-                                                         " polygons the file declares; read with our own reader"
-                                                   : "read with our own reader");
-      } else if (read != kModelOk || got == 0) {
-        // Neither reader has a polygon to give: ours says why.
-        return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
-      } else {
-        model->warnings.push_back("our own reader refused the file (" + ownError + ")");
-      }
-    }
-    if (ai == nullptr) return read;
-    if (ownScene == nullptr && declared > got) {
+    // Neither reader has a polygon to give: ours says why.
+    if (!ownError.empty() && got == 0) return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
+    if (read != kModelOk) return read;
+    if (declared > got) {
       model->dropped = declared - got;
       model->warnings.push_back(std::to_string(model->dropped) + " of the " + std::to_string(declared) +
                                 " polygons the file declares were not read (assimp's reader skipped them)");

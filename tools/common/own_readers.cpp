@@ -10,6 +10,7 @@
 #include <strings.h>
 
 #include <charconv>
+#include <cmath>
 #include <unordered_map>
 #include <vector>
 
@@ -84,12 +85,14 @@ struct Part {
 
 struct OwnMaterial {
   std::string name;
-  aiColor3D diffuse{0.8f, 0.8f, 0.8f};
+  aiColor3D diffuse{0.6f, 0.6f, 0.6f};  // assimp's defaults, so both readers draw alike
   float opacity = 1;
   std::string texture;
 };
 
-std::unique_ptr<aiScene> MakeScene(std::vector<Part>& parts, const std::vector<OwnMaterial>& materials) {
+// Formats without materials (PLY, STL) draw in white, as assimp reads them.
+std::unique_ptr<aiScene> MakeScene(std::vector<Part>& parts, std::vector<OwnMaterial> materials) {
+  if (materials.empty()) materials.push_back({"", aiColor3D(1, 1, 1)});
   auto scene = std::make_unique<aiScene>();
   scene->mRootNode = new aiNode();
   // The scene frees its arrays only when their counts are not 0.
@@ -109,6 +112,9 @@ std::unique_ptr<aiScene> MakeScene(std::vector<Part>& parts, const std::vector<O
   for (size_t i = 0; i < parts.size(); i++) {
     Part& part = parts[i];
     if (part.sizes.empty()) continue;
+    bool mapped = false;  // texture coordinates that are not all 0
+    for (const aiVector3D& uv : part.uvs) mapped = mapped || uv.x != 0 || uv.y != 0;
+    if (!mapped) part.uvs.clear();
     aiMesh* mesh = new aiMesh();
     mesh->mMaterialIndex = unsigned(i < materials.size() ? i : 0);
     mesh->mPrimitiveTypes = aiPrimitiveType_TRIANGLE | aiPrimitiveType_POLYGON;
@@ -151,6 +157,42 @@ struct KeyHash {
   }
 };
 
+// Corners into vertices as assimp's cleaning makes them: one vertex a
+// position, texture and normal; a corner without a normal of its own shares
+// a vertex only with faces that turn less than 80 degrees from its face, so
+// the hard edges of a file without normals stay hard.
+struct Joiner {
+  std::unordered_map<Key, unsigned, KeyHash> exact;
+  std::unordered_map<Key, std::vector<std::pair<aiVector3D, unsigned>>, KeyHash> bent;
+
+  unsigned Corner(Part& part, const Key& key, const aiVector3D& position, const aiVector3D& uv,
+                  const aiVector3D& faceNormal) {
+    if (key.n >= 0) {
+      auto [at, fresh] = exact.try_emplace(key, unsigned(part.vertices.size()));
+      if (fresh) part.vertices.push_back(position), part.uvs.push_back(uv);
+      return at->second;
+    }
+    constexpr float kCos80 = 0.173648f;
+    auto& clusters = bent[key];
+    for (const auto& [normal, vertex] : clusters)
+      if (normal * faceNormal > kCos80 * normal.Length() * faceNormal.Length()) return vertex;
+    clusters.emplace_back(faceNormal, unsigned(part.vertices.size()));
+    part.vertices.push_back(position), part.uvs.push_back(uv);
+    return clusters.back().second;
+  }
+};
+
+// The normal of a polygon of any size (Newell's sum), not made unit.
+aiVector3D FaceNormal(const std::vector<aiVector3D>& corners) {
+  aiVector3D n(0, 0, 0);
+  for (size_t i = 0; i < corners.size(); i++) {
+    const aiVector3D& a = corners[i];
+    const aiVector3D& b = corners[(i + 1) % corners.size()];
+    n += aiVector3D((a.y - b.y) * (a.z + b.z), (a.z - b.z) * (a.x + b.x), (a.x - b.x) * (a.y + b.y));
+  }
+  return n;
+}
+
 // An index of a list of count entries: 1-based, or negative counting back
 // from the end; -1 for none (empty), -2 when out of range or not a number.
 long long ObjIndex(std::string_view s, size_t count) {
@@ -161,15 +203,21 @@ long long ObjIndex(std::string_view s, size_t count) {
   return i >= 0 && i < (long long)count ? i : -2;
 }
 
+// A library named with another extension is also looked for as .mtl, as
+// assimp looks for it.
 void ReadMaterialLibrary(const std::string& path, std::vector<OwnMaterial>* out) {
   std::string bytes;
-  if (!ReadFile(path.c_str(), &bytes)) return;
+  const size_t dot = path.rfind('.');
+  if (!ReadFile(path.c_str(), &bytes) &&
+      (dot == std::string::npos || !ReadFile((path.substr(0, dot) + ".mtl").c_str(), &bytes)))
+    return;
   Text t{bytes.data(), bytes.data() + bytes.size()};
   OwnMaterial* current = nullptr;
   for (; !t.AtEnd(); t.NextLine()) {
     const std::string_view word = t.Token();
     if (word == "newmtl") {
-      out->push_back({std::string(t.Rest())});
+      // A library's material without Kd is 0.8 grey, as assimp reads it.
+      out->push_back({std::string(t.Rest()), aiColor3D(0.8f, 0.8f, 0.8f)});
       current = &out->back();
     } else if (current != nullptr && word == "Kd") {
       float c[3] = {0.8f, 0.8f, 0.8f};
@@ -191,15 +239,14 @@ std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& fo
   size_t normals = 0;
   std::vector<OwnMaterial> library, used;
   std::vector<Part> parts;
-  std::vector<std::unordered_map<Key, unsigned, KeyHash>> joined;
+  std::vector<Joiner> joined;
+  std::vector<Key> keys;
+  std::vector<aiVector3D> corners;
   size_t part = 0;
   auto usePart = [&](const std::string& name) {
     for (size_t i = 0; i < used.size(); i++)
       if (used[i].name == name) return i;
-    OwnMaterial m{name};
-    for (const OwnMaterial& l : library)
-      if (l.name == name) m = l;
-    used.push_back(m);
+    used.push_back({name});
     parts.emplace_back();
     joined.emplace_back();
     return used.size() - 1;
@@ -232,9 +279,8 @@ std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& fo
     } else if (word == "usemtl") {
       part = usePart(std::string(t.Rest()));
     } else if (word == "f") {
-      Part& target = parts[part];
-      unsigned count = 0;
-      bool textured = true;
+      keys.clear();
+      corners.clear();
       for (std::string_view corner = t.Token(); !corner.empty(); corner = t.Token()) {
         // Position, texture, normal; any further indices are ignored.
         std::string_view field[3];
@@ -249,27 +295,25 @@ std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& fo
           *error = "line " + std::to_string(line) + ": a face corner names no vertex of the file";
           return nullptr;
         }
-        textured = textured && key.t >= 0;
-        auto [at, fresh] = joined[part].try_emplace(key, unsigned(target.vertices.size()));
-        if (fresh) {
-          target.vertices.push_back(positions[size_t(key.p)]);
-          target.uvs.push_back(key.t >= 0 ? uvs[size_t(key.t)] : aiVector3D());
-        }
-        target.corners.push_back(at->second);
-        count++;
+        keys.push_back(key);
+        corners.push_back(positions[size_t(key.p)]);
       }
-      if (count < 3) {
+      if (keys.size() < 3) {
         *error = "line " + std::to_string(line) + ": a face of fewer than three corners";
         return nullptr;
       }
-      target.sizes.push_back(count);
+      const aiVector3D normal = FaceNormal(corners);
+      Part& target = parts[part];
+      for (size_t i = 0; i < keys.size(); i++)
+        target.corners.push_back(joined[part].Corner(
+            target, keys[i], corners[i], keys[i].t >= 0 ? uvs[size_t(keys[i].t)] : aiVector3D(), normal));
+      target.sizes.push_back(unsigned(keys.size()));
     }
   }
-  for (Part& p : parts) {
-    bool anyUv = false;
-    for (const aiVector3D& uv : p.uvs) anyUv = anyUv || uv.x != 0 || uv.y != 0;
-    if (!anyUv) p.uvs.clear();
-  }
+  // Material libraries may come after the faces that use them.
+  for (OwnMaterial& m : used)
+    for (const OwnMaterial& l : library)
+      if (l.name == m.name) m = l;
   return MakeScene(parts, used);
 }
 
@@ -393,7 +437,8 @@ std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error) {
       if (type == "list") {
         prop.countType = PlyTypeOf(t.Token());
         type = t.Token();
-        if (prop.countType == kNone || prop.countType == kFloat32 || prop.countType == kFloat64) known = false;
+        if (prop.countType == kNone || prop.countType == kFloat32 || prop.countType == kFloat64)
+          known = false;
       }
       prop.type = PlyTypeOf(type);
       prop.name = std::string(t.Token());
@@ -493,12 +538,118 @@ std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error) {
   return MakeScene(parts, {});
 }
 
+// ---- STL ----
+
+// The bits of a coordinate triple, so equal corners meet in a hash.
+Key Bits(const aiVector3D& v) {
+  uint32_t w[3];
+  memcpy(w, &v.x, 4), memcpy(w + 1, &v.y, 4), memcpy(w + 2, &v.z, 4);
+  return {w[0], w[1], w[2]};
+}
+
+float LittleFloat(const char* p) {
+  const uint32_t w = uint32_t(uint8_t(p[0])) | uint32_t(uint8_t(p[1])) << 8 | uint32_t(uint8_t(p[2])) << 16 |
+                     uint32_t(uint8_t(p[3])) << 24;
+  float f;
+  memcpy(&f, &w, 4);
+  return f;
+}
+
+// Facets share corners through a hash of their coordinates. As in assimp's
+// reading, the facets' own normals keep corners of facets turned otherwise
+// apart, unless some facet has none: then no facet's counts, and a corner
+// joins the facets around it that turn less than 80 degrees from its own.
+struct StlBuilder {
+  std::vector<aiVector3D> facets;  // a normal and three corners each
+  bool allNormals = true;
+
+  void Facet(const aiVector3D& normal, const aiVector3D* v) {
+    allNormals = allNormals && normal.SquareLength() > 0 && std::isfinite(normal.SquareLength());
+    facets.insert(facets.end(), {normal, v[0], v[1], v[2]});
+  }
+
+  std::unique_ptr<aiScene> Scene() {
+    std::vector<Part> parts(1);
+    Joiner joiner;
+    std::unordered_map<Key, long long, KeyHash> positions, normals;
+    std::vector<aiVector3D> corners;
+    for (size_t f = 0; f < facets.size(); f += 4) {
+      corners.assign(facets.begin() + long(f + 1), facets.begin() + long(f + 4));
+      const aiVector3D& normal = facets[f];
+      const long long n =
+          allNormals ? normals.try_emplace(Bits(normal), (long long)normals.size()).first->second : -1;
+      const aiVector3D face = allNormals ? normal : FaceNormal(corners);
+      for (int k = 0; k < 3; k++) {
+        const long long p =
+            positions.try_emplace(Bits(corners[size_t(k)]), (long long)positions.size()).first->second;
+        parts[0].corners.push_back(
+            joiner.Corner(parts[0], Key{p, -1, n}, corners[size_t(k)], aiVector3D(), face));
+      }
+      parts[0].sizes.push_back(3);
+    }
+    return MakeScene(parts, {});
+  }
+};
+
+std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error) {
+  StlBuilder b;
+  aiVector3D v[4];
+  if (bytes.size() >= 84) {
+    uint32_t count = 0;
+    for (int i = 0; i < 4; i++) count |= uint32_t(uint8_t(bytes[80 + size_t(i)])) << (8 * i);
+    if (bytes.size() == 84 + 50ull * count) {
+      b.facets.reserve(4ull * count);
+      for (size_t f = 0; f < count; f++) {
+        const char* r = bytes.data() + 84 + 50 * f;
+        for (int k = 0; k < 4; k++)
+          v[k] =
+              aiVector3D(LittleFloat(r + 12 * k), LittleFloat(r + 12 * k + 4), LittleFloat(r + 12 * k + 8));
+        b.Facet(v[0], v + 1);
+      }
+      return b.Scene();
+    }
+  }
+  Text t{bytes.data(), bytes.data() + bytes.size()};
+  if (t.Token() != "solid") {
+    *error = "neither a binary STL (its size does not match its facet count) nor an ASCII one";
+    return nullptr;
+  }
+  int corners = 0;
+  long long line = 1;
+  for (t.NextLine(); !t.AtEnd(); t.NextLine(), line++) {
+    const std::string_view word = t.Token();
+    const bool normal = word == "facet", vertex = word == "vertex";
+    if (normal && t.Token() != "normal") break;
+    if (normal || vertex) {
+      if (vertex && corners == 3) break;
+      float c[3];
+      for (float& x : c)
+        if (!Number(t.Token(), &x)) {
+          *error = "line " + std::to_string(line) + ": a coordinate is not a number";
+          return nullptr;
+        }
+      (normal ? v[0] : v[1 + corners++]) = aiVector3D(c[0], c[1], c[2]);
+      if (normal) corners = 0;
+    } else if (word == "endfacet") {
+      if (corners != 3) break;
+      b.Facet(v[0], v + 1);
+      corners = 0;
+    }
+  }
+  if (!t.AtEnd()) {
+    *error = "line " + std::to_string(line) + ": a facet is not three vertices";
+    return nullptr;
+  }
+  return b.Scene();
+}
+
 }  // namespace
 
 std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
                                            const std::string& folder, std::string* error) {
   if (strcmp(format, "obj") == 0) return ReadObj(bytes, folder, error);
   if (strcmp(format, "ply") == 0) return ReadPly(bytes, error);
+  if (strcmp(format, "stl") == 0) return ReadStl(bytes, error);
   *error = "no reader of ours for this format";
   return nullptr;
 }

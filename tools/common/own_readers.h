@@ -1,6 +1,7 @@
-// Our own readers of OBJ and PLY files, for what assimp's readers drop:
-// OBJ corners with more than three indices, PLY triangle strips. They build
-// the same kind of scene assimp does, so one builder serves both, and they
+// Our own readers of OBJ, PLY and STL files: they read what assimp's readers
+// drop (OBJ corners with more than three indices, PLY triangle strips), and
+// read each file once, in the caller's process. They build the same kind of
+// scene assimp's cleaning steps do, so one builder serves both, and they
 // count what a file declares, so that a loss is noticed.
 #ifndef E3D_TOOLS_OWN_READERS_H
 #define E3D_TOOLS_OWN_READERS_H
@@ -19,12 +20,12 @@ long long DeclaredPolygons(const char* path, bool* strips);
 // The message of a PLY file whose header has no end_header line of its own.
 inline constexpr const char* kPlyHeaderUnended = "a PLY header without end_header";
 
-// Reads an OBJ or PLY file (by its extension) into a scene of one mesh per
+// Reads an OBJ, PLY or STL file (by its extension) into a scene of one mesh per
 // material. Null with a message in *error when the file is damaged or of
 // another format; never reads outside the file.
 std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error);
 
-// The same from bytes in memory; format is "obj" or "ply". folder is where
+// The same from bytes in memory; format is "obj", "ply" or "stl". folder is where
 // an OBJ's material library is looked for.
 std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
                                            const std::string& folder, std::string* error);

@@ -77,8 +77,8 @@ TEST_F(Engine, LoadsSplitsFramesAndDrawsAModel) {
   Model model;
   std::string error;
   ASSERT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk) << error;
-  EXPECT_EQ(model.meshes.size(), 7u);          // 602 vertices, at most 100 a mesh
-  EXPECT_EQ(model.polygons, 300 * 2 * 2);      // quads are two slots, two sides
+  EXPECT_EQ(model.meshes.size(), 7u);      // 602 vertices, at most 100 a mesh
+  EXPECT_EQ(model.polygons, 300 * 2 * 2);  // quads are two slots, two sides
   EXPECT_EQ(GetSceneNumberOfMeshes(model.scene), 7);
 
   Stage stage;
@@ -188,6 +188,20 @@ std::string BinaryPly(bool bigEndian) {
   return b;
 }
 
+// A binary STL of two facets sharing an edge, normals left 0.
+std::string BinaryStl() {
+  std::string b(80, ' ');
+  const float corners[2][9] = {{0, 0, 0, 1, 0, 0, 0, 1, 0}, {1, 0, 0, 1, 1, 0, 0, 1, 0}};
+  const uint32_t count = 2;
+  b.append(reinterpret_cast<const char*>(&count), 4);
+  for (const auto& facet : corners) {
+    b.append(12, '\0');
+    b.append(reinterpret_cast<const char*>(facet), sizeof facet);
+    b.append(2, '\0');
+  }
+  return b;
+}
+
 // Every polygon the file holds is drawn: one-sided triangle slots equal the
 // file's triangles, quads counting two, however the corners are written.
 TEST_F(Engine, OurReadersDrawEveryPolygonTheFileHolds) {
@@ -208,6 +222,11 @@ TEST_F(Engine, OurReadersDrawEveryPolygonTheFileHolds) {
        "0 0 0\n0 1 0\n1 0 0\n1 1 0\n2 0 0\n2 1 0\n9 0 1 2 3 -1 2 3 4 5\n",
        4},
       {"little.ply", BinaryPly(false), 1 + 2 + 4},
+      {"two.stl", BinaryStl(), 2},
+      {"one.stl",
+       "solid t\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
+       "endloop\nendfacet\nendsolid t\n",
+       1},
       {"big.ply", BinaryPly(true), 1 + 2 + 4},
   };
   ModelOptions options;
@@ -230,8 +249,9 @@ TEST_F(Engine, OurReadersDrawEveryPolygonTheFileHolds) {
     std::string bytes;
   } damaged[] = {
       {"index.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1/1/1/1 2 4\n"},
-      {"count.ply", "ply\nformat ascii 1.0\nelement vertex 4000000000\nproperty float x\nproperty float y\n"
-                    "property float z\nelement tristrips 1\nproperty list int int vertex_indices\nend_header\n0 0 0\n"},
+      {"count.ply",
+       "ply\nformat ascii 1.0\nelement vertex 4000000000\nproperty float x\nproperty float y\n"
+       "property float z\nelement tristrips 1\nproperty list int int vertex_indices\nend_header\n0 0 0\n"},
       {"short.ply", ply.substr(0, ply.size() - 9)},
   };
   for (const auto& file : damaged) {
