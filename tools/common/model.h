@@ -31,9 +31,11 @@ struct ModelOptions {
   bool twoSided = true;    // add each polygon once more, wound the other way
   int maxTexture = 512;    // largest texture side kept, a power of two
   bool zUp = false;        // the file's up axis is z (as in Blender and 3DS files), not y
-  // Vertices per engine mesh; bigger parts are split. Normals cost the engine
-  // time in the square of a mesh's size, so meshes stay small.
-  int vertexLimit = 1024;
+  // Vertices per engine mesh; bigger parts are split. Every mesh a scene
+  // takes in rebuilds the scene's sort area for all its polygons, so a big
+  // model reads faster in fewer, larger meshes (the engine's normals cost
+  // time in step with a mesh's size).
+  int vertexLimit = 32768;
   long long maxPolygons = kMaxScenePolygons;  // larger models are refused
   // The importer first reads the file in a child process, which may take this
   // long: a file that crashes or stalls it is refused instead.
