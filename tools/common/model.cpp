@@ -12,6 +12,7 @@
 #include <strings.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <assimp/Importer.hpp>
@@ -364,6 +365,8 @@ ModelStatus TrialRead(const char* path, const ModelOptions& options, std::string
   const pid_t child = fork();
   if (child < 0) return kModelOk;  // no child to spare: read in this process alone
   if (child == 0) {
+    // A handler of the host's own (a fuzzer's, say) would swallow the alarm.
+    signal(SIGALRM, SIG_DFL);
     alarm(options.importSeconds);
     {
       Assimp::Importer importer;
@@ -373,9 +376,23 @@ ModelStatus TrialRead(const char* path, const ModelOptions& options, std::string
     }
     _exit(0);
   }
+  // The parent keeps the deadline too, and a child past it is killed: none
+  // is left behind busy on a file.
   int status = 0;
-  while (waitpid(child, &status, 0) < 0)
-    if (errno != EINTR) return kModelOk;
+  const time_t deadline = time(nullptr) + time_t(options.importSeconds) + 1;
+  for (;;) {
+    const pid_t done = waitpid(child, &status, WNOHANG);
+    if (done == child) break;
+    if (done < 0 && errno != EINTR) return kModelOk;
+    if (time(nullptr) > deadline) {
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      return Fail(kModelUnreadable, error,
+                  std::string(path) + ": the importer did not finish within " +
+                      std::to_string(options.importSeconds) + " s");
+    }
+    usleep(2000);
+  }
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return kModelOk;
   std::string why = "the importer failed on this file";
   if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)
