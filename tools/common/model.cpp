@@ -417,7 +417,15 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   // every other format, in a child process first. A PLY header that ours
   // finds unended is refused outright: assimp's reader can loop on it.
   bool strips = false;
-  const long long declared = DeclaredPolygons(path, &strips);
+  long long vertices = -1;
+  const long long declared = DeclaredPolygons(path, &strips, &vertices);
+  // A header's counts too big for a scene are refused before any reader
+  // allocates for them (assimp's OFF reader takes most of a minute to).
+  if (vertices > options.maxPolygons || declared > options.maxPolygons)
+    return Fail(kModelTooBig, error,
+                std::string(path) + ": " + std::to_string(vertices > declared ? vertices : declared) +
+                    (vertices > declared ? " vertices" : " polygons") + ", more than the " +
+                    std::to_string(options.maxPolygons) + " a scene can count");
   std::string ext = strrchr(path, '.') != nullptr ? strrchr(path, '.') + 1 : "";
   for (char& c : ext) c = char(c >= 'A' && c <= 'Z' ? c + 32 : c);
   std::unique_ptr<aiScene> ownScene;

@@ -663,8 +663,9 @@ std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error) {
   return ReadOwnModelBytes(bytes, Extension(path).c_str(), Folder(path), error);
 }
 
-long long DeclaredPolygons(const char* path, bool* strips) {
+long long DeclaredPolygons(const char* path, bool* strips, long long* vertices) {
   *strips = false;
+  *vertices = -1;
   const std::string ext = Extension(path);
   std::string bytes;
   if ((ext != "obj" && ext != "ply" && ext != "off" && ext != "stl") || !ReadFile(path, &bytes)) return -1;
@@ -693,6 +694,7 @@ long long DeclaredPolygons(const char* path, bool* strips) {
       const std::string_view first = t.Token();
       if (first.empty() || first[0] == '#') continue;
       long long faces = -1;
+      if (!Number(first, vertices)) *vertices = -1;
       return Number(t.Token(), &faces) ? faces : -1;
     }
     return -1;
