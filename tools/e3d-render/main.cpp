@@ -249,8 +249,10 @@ int Render(Options& o) {
     // File managers run thumbnailers unattended on any file: a short time
     // and a memory cap, whatever the file does.
     alarm(10);
+#if !defined(__SANITIZE_ADDRESS__)  // the sanitizer reserves terabytes for its shadow memory
     const rlimit cap = {rlim_t(2) << 30, rlim_t(2) << 30};
     setrlimit(RLIMIT_AS, &cap);
+#endif
     if (o.load.importSeconds > 8) o.load.importSeconds = 8;
   }
   InitEngine3D();
