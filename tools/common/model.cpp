@@ -360,14 +360,15 @@ ModelStatus ReadScene(Assimp::Importer& importer, const char* path, const ModelO
 // The importer's readers trust their files in places and can crash or loop
 // on a damaged one. A child process reads the file first; only when it comes
 // back whole does this process read it too.
-ModelStatus TrialRead(const char* path, const ModelOptions& options, std::string* error) {
+ModelStatus TrialRead(const char* path, const ModelOptions& options, long long bytes, std::string* error) {
+  const unsigned seconds = options.importSeconds != 0 ? options.importSeconds : unsigned(60 + (bytes >> 20));
   fflush(nullptr);
   const pid_t child = fork();
   if (child < 0) return kModelOk;  // no child to spare: read in this process alone
   if (child == 0) {
     // A handler of the host's own (a fuzzer's, say) would swallow the alarm.
     signal(SIGALRM, SIG_DFL);
-    alarm(options.importSeconds);
+    alarm(seconds);
     {
       Assimp::Importer importer;
       const aiScene* ai = nullptr;
@@ -379,7 +380,7 @@ ModelStatus TrialRead(const char* path, const ModelOptions& options, std::string
   // The parent keeps the deadline too, and a child past it is killed: none
   // is left behind busy on a file.
   int status = 0;
-  const time_t deadline = time(nullptr) + time_t(options.importSeconds) + 1;
+  const time_t deadline = time(nullptr) + time_t(seconds) + 1;
   for (;;) {
     const pid_t done = waitpid(child, &status, WNOHANG);
     if (done == child) break;
@@ -389,14 +390,14 @@ ModelStatus TrialRead(const char* path, const ModelOptions& options, std::string
       waitpid(child, &status, 0);
       return Fail(kModelUnreadable, error,
                   std::string(path) + ": the importer did not finish within " +
-                      std::to_string(options.importSeconds) + " s");
+                      std::to_string(seconds) + " s");
     }
     usleep(2000);
   }
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return kModelOk;
   std::string why = "the importer failed on this file";
   if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)
-    why = "the importer did not finish within " + std::to_string(options.importSeconds) + " s";
+    why = "the importer did not finish within " + std::to_string(seconds) + " s";
   else if (WIFSIGNALED(status))
     why = std::string("the importer crashed on this file (") + strsignal(WTERMSIG(status)) + ")";
   return Fail(kModelUnreadable, error, std::string(path) + ": " + why);
@@ -431,7 +432,10 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   std::unique_ptr<aiScene> ownScene;
   std::string ownError;
   if (ext == "obj" || ext == "ply" || ext == "stl") {
-    ownScene = ReadOwnModel(path, &ownError);
+    const ReadProgress progress{options.progress, options.progressUser};
+    if (options.progress != nullptr) options.progress(options.progressUser, 0, (long long)st.st_size, 0);
+    ownScene = ReadOwnModel(path, &ownError, options.progress != nullptr ? &progress : nullptr);
+    if (options.progress != nullptr) options.progress(options.progressUser, -1, 0, 0);  // done
     if (ownScene == nullptr && (strips || ownError == kPlyHeaderUnended))
       return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
     if (ownScene == nullptr) model->warnings.push_back("our reader refused the file (" + ownError + "); read by assimp");
@@ -439,7 +443,7 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   Assimp::Importer importer;
   const aiScene* ai = ownScene.get();
   if (ai == nullptr) {
-    ModelStatus read = TrialRead(path, options, error);
+    ModelStatus read = TrialRead(path, options, (long long)st.st_size, error);
     if (read == kModelOk) read = ReadScene(importer, path, options, &ai, error);
     const long long got = read == kModelOk ? PolygonsRead(ai) : 0;
     // Neither reader has a polygon to give: ours says why.
@@ -493,6 +497,24 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
     }
   }
   return kModelOk;
+}
+
+void ShowReading(void* user, long long bytesRead, long long bytesTotal, long long triangles) {
+  ReadingLine* line = static_cast<ReadingLine*>(user);
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  const double t = double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
+  if (line->start == 0) line->start = t;
+  if (bytesRead < 0) {  // the reading ended
+    if (line->shown) fputc('\n', stderr);
+    *line = ReadingLine();
+    return;
+  }
+  if (t - line->start < 1.0 || !isatty(2)) return;
+  line->shown = true;
+  fprintf(stderr, "\rreading: %3d%% of %.1f MB, %lld triangles", int(100 * bytesRead / (bytesTotal ? bytesTotal : 1)),
+          double(bytesTotal) / 1048576.0, triangles);
+  fflush(stderr);
 }
 
 bool ModelExtensionKnown(const char* path) {

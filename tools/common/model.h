@@ -37,10 +37,23 @@ struct ModelOptions {
   // time in step with a mesh's size).
   int vertexLimit = 32768;
   long long maxPolygons = kMaxScenePolygons;  // larger models are refused
-  // The importer first reads the file in a child process, which may take this
-  // long: a file that crashes or stalls it is refused instead.
-  unsigned importSeconds = 60;
+  // assimp first reads the file in a child process, which may take this
+  // long: a file that crashes or stalls it is refused instead. 0: 60 s and
+  // a second more for every MB of the file.
+  unsigned importSeconds = 0;
+  // Told now and then while our own readers read a file (bytes read, the
+  // file's size, triangles so far), or null.
+  void (*progress)(void* user, long long bytesRead, long long bytesTotal, long long triangles) = nullptr;
+  void* progressUser = nullptr;
 };
+
+// A progress for ModelOptions that draws a line on a terminal, once a
+// reading has taken more than a second. Give it a ReadingLine as user.
+struct ReadingLine {
+  double start = 0;  // set by LoadModel
+  bool shown = false;
+};
+void ShowReading(void* user, long long bytesRead, long long bytesTotal, long long triangles);
 
 // Model space is normalised: centred on the origin, bounding sphere radius
 // kModelRadius, y up, z away from a camera at yaw 0.

@@ -76,6 +76,18 @@ bool Number(std::string_view s, T* out) {
   return r.ec == std::errc() && r.ptr == s.data() + s.size();
 }
 
+// Tells the progress every 64k steps of a reader's loop.
+struct Ticker {
+  const ReadProgress* progress;
+  const char* begin;
+  long long total;
+  unsigned count = 0;
+  void Tick(const char* at, size_t triangles) {
+    if (progress != nullptr && (++count & 0xFFFF) == 0)
+      progress->call(progress->user, at - begin, total, (long long)triangles);
+  }
+};
+
 // What both readers build: meshes of vertices, texture coordinates and
 // polygons (corner counts and corners in one list), and their materials.
 struct Part {
@@ -234,7 +246,9 @@ void ReadMaterialLibrary(const std::string& path, std::vector<OwnMaterial>* out)
   }
 }
 
-std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& folder, std::string* error) {
+std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& folder, std::string* error,
+                                 const ReadProgress* progress) {
+  Ticker ticker{progress, bytes.data(), (long long)bytes.size()};
   std::vector<aiVector3D> positions, uvs;
   size_t normals = 0;
   std::vector<OwnMaterial> library, used;
@@ -255,6 +269,7 @@ std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& fo
   Text t{bytes.data(), bytes.data() + bytes.size()};
   long long line = 1;
   for (; !t.AtEnd(); t.NextLine(), line++) {
+    ticker.Tick(t.p, parts[part].sizes.size());
     const std::string_view word = t.Token();
     if (word == "v" || word == "vt") {
       float c[3] = {0, 0, 0};
@@ -409,7 +424,8 @@ struct PlyBody {
   }
 };
 
-std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error) {
+std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error, const ReadProgress* progress) {
+  Ticker ticker{progress, bytes.data(), (long long)bytes.size()};
   const char* data = bytes.data();
   const char* end = data + bytes.size();
   Text t{data, end};
@@ -487,6 +503,7 @@ std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error) {
     }
     std::vector<long long> items;
     for (long long n = 0; n < e.count && body.ok; n++) {
+      ticker.Tick(body.p, part.sizes.size());
       float c[3] = {0, 0, 0};
       items.clear();
       for (size_t i = 0; i < e.properties.size() && body.ok; i++) {
@@ -591,7 +608,8 @@ struct StlBuilder {
   }
 };
 
-std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error) {
+std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error, const ReadProgress* progress) {
+  Ticker ticker{progress, bytes.data(), (long long)bytes.size()};
   StlBuilder b;
   aiVector3D v[4];
   if (bytes.size() >= 84) {
@@ -601,6 +619,7 @@ std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error) {
       b.facets.reserve(4ull * count);
       for (size_t f = 0; f < count; f++) {
         const char* r = bytes.data() + 84 + 50 * f;
+        ticker.Tick(r, f);
         for (int k = 0; k < 4; k++)
           v[k] =
               aiVector3D(LittleFloat(r + 12 * k), LittleFloat(r + 12 * k + 4), LittleFloat(r + 12 * k + 8));
@@ -617,6 +636,7 @@ std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error) {
   int corners = 0;
   long long line = 1;
   for (t.NextLine(); !t.AtEnd(); t.NextLine(), line++) {
+    ticker.Tick(t.p, b.facets.size() / 4);
     const std::string_view word = t.Token();
     const bool normal = word == "facet", vertex = word == "vertex";
     if (normal && t.Token() != "normal") break;
@@ -646,21 +666,22 @@ std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error) {
 }  // namespace
 
 std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
-                                           const std::string& folder, std::string* error) {
-  if (strcmp(format, "obj") == 0) return ReadObj(bytes, folder, error);
-  if (strcmp(format, "ply") == 0) return ReadPly(bytes, error);
-  if (strcmp(format, "stl") == 0) return ReadStl(bytes, error);
+                                           const std::string& folder, std::string* error,
+                                           const ReadProgress* progress) {
+  if (strcmp(format, "obj") == 0) return ReadObj(bytes, folder, error, progress);
+  if (strcmp(format, "ply") == 0) return ReadPly(bytes, error, progress);
+  if (strcmp(format, "stl") == 0) return ReadStl(bytes, error, progress);
   *error = "no reader of ours for this format";
   return nullptr;
 }
 
-std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error) {
+std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error, const ReadProgress* progress) {
   std::string bytes;
   if (!ReadFile(path, &bytes)) {
     *error = "cannot be read";
     return nullptr;
   }
-  return ReadOwnModelBytes(bytes, Extension(path).c_str(), Folder(path), error);
+  return ReadOwnModelBytes(bytes, Extension(path).c_str(), Folder(path), error, progress);
 }
 
 long long DeclaredPolygons(const char* path, bool* strips, long long* vertices) {

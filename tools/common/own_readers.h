@@ -21,14 +21,23 @@ long long DeclaredPolygons(const char* path, bool* strips, long long* vertices);
 // The message of a PLY file whose header has no end_header line of its own.
 inline constexpr const char* kPlyHeaderUnended = "a PLY header without end_header";
 
+// Told now and then how far a reading has come: bytes of the file read so
+// far, its size, and triangles so far.
+struct ReadProgress {
+  void (*call)(void* user, long long bytesRead, long long bytesTotal, long long triangles);
+  void* user;
+};
+
 // Reads an OBJ, PLY or STL file (by its extension) into a scene of one mesh per
 // material. Null with a message in *error when the file is damaged or of
 // another format; never reads outside the file.
-std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error);
+std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error,
+                                      const ReadProgress* progress = nullptr);
 
 // The same from bytes in memory; format is "obj", "ply" or "stl". folder is where
 // an OBJ's material library is looked for.
 std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
-                                           const std::string& folder, std::string* error);
+                                           const std::string& folder, std::string* error,
+                                           const ReadProgress* progress = nullptr);
 
 #endif

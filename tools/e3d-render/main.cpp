@@ -41,6 +41,7 @@ const char kUsage[] =
     "  --batch DIR           every model under DIR, into the folder -o names:\n"
     "                        DIR/a/b.ply -> OUT/a/b.ply.png\n"
     "  -j, --jobs N          batch processes at once (one a core)\n"
+    "  --import-timeout S    seconds assimp may take over a file (60, and 1 a MB)\n"
     "  --strict              treat polygons the file declares but no reader read\n"
     "                        as an error: no picture\n"
     "  -q, --quiet           print errors only\n"
@@ -162,6 +163,10 @@ int Parse(int argc, char** argv, Options* o) {
     } else if (!strcmp(a, "-j") || !strcmp(a, "--jobs")) {
       const char* s = value();
       if (s == nullptr || (o->jobs = atoi(s)) < 1 || o->jobs > 256) return Usage("-j needs a count from 1 to 256");
+    } else if (!strcmp(a, "--import-timeout")) {
+      const char* s = value();
+      if (s == nullptr || (o->load.importSeconds = unsigned(atoi(s))) < 1 || o->load.importSeconds > 86400)
+        return Usage("--import-timeout needs seconds from 1 to 86400");
     } else if (!strcmp(a, "--strict")) {
       o->strict = 1;
     } else if (!strcmp(a, "--fps")) {
@@ -253,12 +258,14 @@ int Render(Options& o) {
     const rlimit cap = {rlim_t(2) << 30, rlim_t(2) << 30};
     setrlimit(RLIMIT_AS, &cap);
 #endif
-    if (o.load.importSeconds > 8) o.load.importSeconds = 8;
+    if (o.load.importSeconds == 0 || o.load.importSeconds > 8) o.load.importSeconds = 8;
   }
   InitEngine3D();
   Model model;
   std::string error;
   const double loadStart = Now();
+  ReadingLine reading;
+  if (!o.quiet) o.load.progress = ShowReading, o.load.progressUser = &reading;
   ModelStatus status = LoadModel(o.model, o.load, &model, &error);
   if (status != kModelOk) {
     fprintf(stderr, "e3d-render: %s\n", error.c_str());

@@ -23,6 +23,7 @@ const char kUsage[] =
     "  --frames N            quit after N frames\n"
     "  --screenshot FILE     where the screenshot key (and the last of --frames) writes\n"
     "  --keys KEYS           presses these keys before the first frame\n"
+    "  -q, --quiet           no reading progress on the terminal\n"
     "mouse: drag to orbit, wheel to zoom\n"
     "keys: 1 unlit, 2 flat, 3 Gouraud, D depth buffer or painter, W wireframe,\n"
     "      T textures, B blur, C tint, S or F12 screenshot, R reset view,\n"
@@ -178,6 +179,8 @@ int main(int argc, char** argv) {
   int width = 800, height = 600, frames = 0;
   const char* keys = "";
   ModelOptions load;
+  ReadingLine reading;
+  load.progress = ShowReading, load.progressUser = &reading;
   for (int i = 1; i < argc; i++) {
     const char* a = argv[i];
     const bool more = i + 1 < argc;
@@ -195,6 +198,8 @@ int main(int argc, char** argv) {
       keys = argv[++i];
     } else if (!strcmp(a, "--z-up")) {
       load.zUp = true;
+    } else if (!strcmp(a, "-q") || !strcmp(a, "--quiet")) {
+      load.progress = nullptr;
     } else if (!strcmp(a, "-h") || !strcmp(a, "--help")) {
       fputs(kUsage, stdout);
       return 0;
