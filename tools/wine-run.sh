@@ -1,9 +1,16 @@
 #!/bin/sh
-# wine-run.sh PROGRAM.exe [ARGS...]: runs a cross-built Windows program under
-# Wine, quietly and without fetching Mono or Gecko. A 32-bit program where only
-# 64-bit Wine is installed exits with 77, which CTest reports as skipped.
+# wine-run.sh [--prefix DIR] PROGRAM.exe [ARGS...]: runs a cross-built Windows
+# program under Wine, quietly and without fetching Mono or Gecko. Wine keeps
+# its configuration in DIR (a build passes its own, so no run depends on what
+# another build left there); the first run makes it while concurrent runs
+# wait. A 32-bit program where only 64-bit Wine is installed exits with 77,
+# which CTest reports as skipped.
 set -eu
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+if [ "${1:-}" = --prefix ]; then
+  export WINEPREFIX="$2"
+  shift 2
+fi
 export WINEPREFIX="${WINEPREFIX:-${TMPDIR:-/tmp}/engine3d-wine-$(id -u)}"
 # The optional header's magic: 0x10b for a 32-bit program, 0x20b for 64-bit.
 pe=$(od -An -tu4 -j60 -N4 "$1" | tr -d ' ')
@@ -12,5 +19,9 @@ if [ "$magic" = 010b ] && [ ! -x /usr/lib/wine/wine ]; then
   echo "skipped: 32-bit Wine (wine32:i386) is not installed, so 32-bit Windows programs cannot run here"
   exit 77
 fi
-mkdir -p "$WINEPREFIX"
+if [ ! -f "$WINEPREFIX/.engine3d-ready" ]; then
+  mkdir -p "$WINEPREFIX"
+  flock "$WINEPREFIX/.engine3d-lock" sh -c 'cd "$WINEPREFIX" && [ -f .engine3d-ready ] ||
+    { wineboot --init > .engine3d-init.log 2>&1 && touch .engine3d-ready; } || { cat .engine3d-init.log; exit 1; }'
+fi
 exec wine "$@"

@@ -29,7 +29,7 @@ for dir in cmake plain; do
   cp "$prefix"/bin/*.dll "$work/$dir/"
   for ex in triangle cube textured; do
     status=0
-    (cd "$work/$dir" && "$here/../../tools/wine-run.sh" "./$ex.exe" > "$ex.log" 2>&1) || status=$?
+    (cd "$work/$dir" && "$here/../../tools/wine-run.sh" --prefix "$build/wine" "./$ex.exe" > "$ex.log" 2>&1) || status=$?
     [ $status -eq 77 ] && { cat "$work/$dir/$ex.log"; exit 77; }
     [ $status -eq 0 ] || { cat "$work/$dir/$ex.log"; echo "$dir/$ex failed"; exit 1; }
   done
