@@ -21,7 +21,25 @@ if [ "$magic" = 010b ] && [ ! -x /usr/lib/wine/wine ]; then
 fi
 if [ ! -f "$WINEPREFIX/.engine3d-ready" ]; then
   mkdir -p "$WINEPREFIX"
-  flock "$WINEPREFIX/.engine3d-lock" sh -c 'cd "$WINEPREFIX" && [ -f .engine3d-ready ] ||
+  flock -o "$WINEPREFIX/.engine3d-lock" sh -c 'cd "$WINEPREFIX" && [ -f .engine3d-ready ] ||
     { wineboot --init > .engine3d-init.log 2>&1 && touch .engine3d-ready; } || { cat .engine3d-init.log; exit 1; }'
 fi
-exec wine "$@"
+# One server per prefix, started under the lock and kept for 30 s after its
+# last program: two programs that each start a server at once can lose the
+# race ("wine client error ... Connection reset by peer"), and so can a
+# program that connects while an idle server is shutting down. The second
+# case cannot be locked out, so Wine's own start-up errors, which come
+# before the program runs, are retried. flock -o: the server must not
+# inherit the lock, or it would hold it for its whole life.
+flock -o "$WINEPREFIX/.engine3d-lock" wineserver -p30 2> /dev/null || true
+err=$(mktemp)
+trap 'rm -f "$err"' EXIT
+for attempt in 1 2 3; do
+  status=0
+  wine "$@" 2> "$err" || status=$?
+  grep -qE "^wine( client error|:)" "$err" || break
+  sleep 1
+  flock -o "$WINEPREFIX/.engine3d-lock" wineserver -p30 2> /dev/null || true
+done
+cat "$err" >&2
+exit $status
