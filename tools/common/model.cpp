@@ -3,6 +3,10 @@
 // file's colours and diffuse texture.
 #include "model.h"
 
+#include <assimp/material.h>
+#include <assimp/matrix4x4.h>
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
 #include <errno.h>
 #include <float.h>
 #include <math.h>
@@ -16,15 +20,14 @@
 #include <unistd.h>
 
 #include <assimp/Importer.hpp>
-#include <assimp/material.h>
-#include <assimp/matrix4x4.h>
-#include <assimp/postprocess.h>
-#include <assimp/scene.h>
 
 #include "own_readers.h"
 #include "texture.h"
 
 namespace {
+
+// The cull mode that draws polygons facing either way.
+constexpr uint32_t kCullNone = 0x08;
 
 // The node tree is walked here rather than flattened by the importer, whose
 // flattening step crashes on some files.
@@ -43,7 +46,8 @@ void CollectInstances(const aiScene* ai, const aiNode* node, const aiMatrix4x4& 
   const aiMatrix4x4 place = parent * node->mTransformation;
   for (unsigned i = 0; i < node->mNumMeshes; i++)
     if (node->mMeshes[i] < ai->mNumMeshes) out->push_back({node->mMeshes[i], place});
-  for (unsigned i = 0; i < node->mNumChildren; i++) CollectInstances(ai, node->mChildren[i], place, depth + 1, out);
+  for (unsigned i = 0; i < node->mNumChildren; i++)
+    CollectInstances(ai, node->mChildren[i], place, depth + 1, out);
 }
 
 // The cleaning steps trust faces to have corners and indices in range, and
@@ -113,7 +117,8 @@ aiColor3D Diffuse(const aiMaterial* mat) {
   aiColor3D diffuse;
   aiColor4D base;
   if (mat != nullptr && mat->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse) == AI_SUCCESS) return diffuse;
-  if (mat != nullptr && mat->Get(AI_MATKEY_BASE_COLOR, base) == AI_SUCCESS) return aiColor3D(base.r, base.g, base.b);
+  if (mat != nullptr && mat->Get(AI_MATKEY_BASE_COLOR, base) == AI_SUCCESS)
+    return aiColor3D(base.r, base.g, base.b);
   return aiColor3D(0.8f, 0.8f, 0.8f);
 }
 
@@ -153,7 +158,8 @@ ModelTexture* Builder::MaterialTexture(unsigned index) {
         const aiTexel& t = embedded->pcData[i];
         rgba[4 * i] = t.r, rgba[4 * i + 1] = t.g, rgba[4 * i + 2] = t.b, rgba[4 * i + 3] = t.a;
       }
-      texture = CreateModelTexture(rgba.data(), int(embedded->mWidth), int(embedded->mHeight), options.maxTexture);
+      texture =
+          CreateModelTexture(rgba.data(), int(embedded->mWidth), int(embedded->mHeight), options.maxTexture);
       if (texture == nullptr) reason = "out of memory";
     }
   } else {
@@ -173,8 +179,8 @@ ModelTexture* Builder::MaterialTexture(unsigned index) {
     texture = LoadModelTexture(full.c_str(), options.maxTexture, &reason);
   }
   if (texture == nullptr) {
-    model->warnings.push_back(std::string("texture ") + path.C_Str() + ": " + (reason ? reason : "unreadable") +
-                              "; drawn without it");
+    model->warnings.push_back(std::string("texture ") + path.C_Str() + ": " +
+                              (reason ? reason : "unreadable") + "; drawn without it");
   } else {
     model->textures.push_back(texture);
   }
@@ -189,11 +195,13 @@ void Builder::Configure(Material* mat, const aiMaterial* src, ModelTexture* text
   // A textured surface takes its colour from the texels; a plain one keeps a
   // little of its own colour where no light reaches.
   const float ambient = texture ? 40.0f : 0.0f;
-  SetMaterialColor(mat, 0, ambient + 38.0f * diffuse.r, ambient + 38.0f * diffuse.g, ambient + 38.0f * diffuse.b);
+  SetMaterialColor(mat, 0, ambient + 38.0f * diffuse.r, ambient + 38.0f * diffuse.g,
+                   ambient + 38.0f * diffuse.b);
   SetMaterialColor(mat, 1, 255.0f * diffuse.r, 255.0f * diffuse.g, 255.0f * diffuse.b);
   SetMaterialColor(mat, 2, 255.0f * emissive.r, 255.0f * emissive.g, 255.0f * emissive.b);
   float opacity = 1;
-  if (src != nullptr && src->Get(AI_MATKEY_OPACITY, opacity) == AI_SUCCESS && opacity > 0.05f && opacity < 0.98f) {
+  if (src != nullptr && src->Get(AI_MATKEY_OPACITY, opacity) == AI_SUCCESS && opacity > 0.05f &&
+      opacity < 0.98f) {
     SetMaterialAlphaMode(mat, 2);
     SetMaterialAlphaLevel(mat, int32_t(opacity * 255.0f));
   }
@@ -203,54 +211,54 @@ void Builder::Configure(Material* mat, const aiMaterial* src, ModelTexture* text
   }
 }
 
-// One engine mesh per chunk; with two sides each polygon appears twice, the
-// copy wound the other way in smoothing group 1 so its normals face out of
-// the other side.
-ModelStatus Builder::Build(const aiMesh* src, const aiMatrix4x4& place, const std::vector<SourcePolygon>& polygons) {
+// One engine mesh per chunk. Both sides come from the mesh's cull mode, not
+// from a second copy of each polygon: a polygon seen from behind is lit
+// through the engine's back-side light routines, which turn its normals
+// towards the camera, so the picture is the same at half the polygons.
+ModelStatus Builder::Build(const aiMesh* src, const aiMatrix4x4& place,
+                           const std::vector<SourcePolygon>& polygons) {
   // A mirroring placement turns the winding over.
   const bool mirrored = place.Determinant() < 0;
   ModelTexture* texture = src->HasTextureCoords(0) ? MaterialTexture(src->mMaterialIndex) : nullptr;
-  const aiMaterial* material = src->mMaterialIndex < ai->mNumMaterials ? ai->mMaterials[src->mMaterialIndex] : nullptr;
+  const aiMaterial* material =
+      src->mMaterialIndex < ai->mNumMaterials ? ai->mMaterials[src->mMaterialIndex] : nullptr;
   const aiColor3D diffuse = Diffuse(material);
-  const int sides = options.twoSided ? 2 : 1;
   // Local index of each source vertex in the chunk being built, else -1.
   std::vector<int32_t> local(src->mNumVertices, -1);
   for (const MeshChunk& chunk : SplitPolygons(polygons, src->mNumVertices, options.vertexLimit)) {
     long long slots = 0;
     for (unsigned p : chunk.polygons) slots += polygons[p].corners == 4 ? 2 : 1;
-    slots *= sides;
     Mesh* mesh = CreateMesh(int32_t(chunk.vertices.size()), int32_t(slots), PackColor(diffuse));
     if (mesh == nullptr) return kModelNoMemory;
     for (size_t i = 0; i < chunk.vertices.size(); i++) {
       const aiVector3D p = place * src->mVertices[chunk.vertices[i]];
       // Right-handed file space to the engine's left-handed one: z turns over.
-      SetMeshVertex(mesh, int32_t(i), (p.x - centre.x) * scale, (p.y - centre.y) * scale, (centre.z - p.z) * scale);
+      SetMeshVertex(mesh, int32_t(i), (p.x - centre.x) * scale, (p.y - centre.y) * scale,
+                    (centre.z - p.z) * scale);
     }
     for (size_t i = 0; i < chunk.vertices.size(); i++) local[chunk.vertices[i]] = int32_t(i);
     int32_t slot = 0;
     for (unsigned p : chunk.polygons) {
       const SourcePolygon& poly = polygons[p];
-      for (int side = 0; side < sides; side++) {
-        int32_t v[4];
-        float uv[8];
-        for (int c = 0; c < poly.corners; c++) {
-          // The z flip turns the winding over; the front copy turns it back.
-          const int k = (side == 0) != mirrored ? poly.corners - 1 - c : c;
-          v[c] = local[poly.v[k]];
-          if (texture != nullptr) {
-            const aiVector3D& t = src->mTextureCoords[0][poly.v[k]];
-            uv[2 * c] = t.x, uv[2 * c + 1] = t.y;
-          }
+      int32_t v[4];
+      float uv[8];
+      for (int c = 0; c < poly.corners; c++) {
+        // The z flip turns the winding over; a mirroring placement turns it back.
+        const int k = mirrored ? c : poly.corners - 1 - c;
+        v[c] = local[poly.v[k]];
+        if (texture != nullptr) {
+          const aiVector3D& t = src->mTextureCoords[0][poly.v[k]];
+          uv[2 * c] = t.x, uv[2 * c + 1] = t.y;
         }
-        if (poly.corners == 4) {
-          SetMeshQuadPolygon(mesh, slot, v[0], v[1], v[2], v[3], 0, uint32_t(side));
-          if (texture) SetMeshQuadTexCoords(mesh, slot, uv[0], uv[1], uv[2], uv[3], uv[4], uv[5], uv[6], uv[7]);
-          slot += 2;
-        } else {
-          SetMeshTriPolygon(mesh, slot, v[0], v[1], v[2], 0, uint32_t(side));
-          if (texture) SetMeshTriTexCoords(mesh, slot, uv[0], uv[1], uv[2], uv[3], uv[4], uv[5]);
-          slot += 1;
-        }
+      }
+      if (poly.corners == 4) {
+        SetMeshQuadPolygon(mesh, slot, v[0], v[1], v[2], v[3], 0, 0);
+        if (texture) SetMeshQuadTexCoords(mesh, slot, uv[0], uv[1], uv[2], uv[3], uv[4], uv[5], uv[6], uv[7]);
+        slot += 2;
+      } else {
+        SetMeshTriPolygon(mesh, slot, v[0], v[1], v[2], 0, 0);
+        if (texture) SetMeshTriTexCoords(mesh, slot, uv[0], uv[1], uv[2], uv[3], uv[4], uv[5]);
+        slot += 1;
       }
     }
     Mesh* valid = ValidateMesh(mesh);
@@ -259,16 +267,35 @@ ModelStatus Builder::Build(const aiMesh* src, const aiMatrix4x4& place, const st
       return kModelNoMemory;
     }
     SetMeshName(valid, std::string(src->mName.C_Str()).substr(0, 31).c_str());
+    if (options.twoSided) SetMeshCullMode(valid, kCullNone);
     Configure(GetMeshDefaultMaterial(valid), material, texture);
     if (texture != nullptr) model->textured = true;
-    if (AssignMeshToScene(model->scene, valid, 0) == nullptr) {
-      DeleteMesh(valid);
-      return kModelNoMemory;
-    }
     model->meshes.push_back(valid);
     model->polygons += slots;
   }
   return kModelOk;
+}
+
+// Every mesh a scene takes in rebuilds the scene's sort area for all its
+// polygons, and so does every mesh attached below another: one by one, a
+// model of many meshes would cost meshes times polygons. Joined pairwise
+// into a balanced tree, each polygon is counted once a level, and one
+// assignment carries the whole tree into the scene. The meshes are drawn
+// and lit as before: setters and lights reach a mesh's whole subtree.
+bool JoinIntoScene(Model* model) {
+  std::vector<Mesh*> roots = model->meshes;
+  while (roots.size() > 1) {
+    size_t kept = 0;
+    for (size_t i = 0; i < roots.size(); i += 2) {
+      if (i + 1 < roots.size()) AttachChildToNode(roots[i], roots[i + 1]);
+      roots[kept++] = roots[i];
+    }
+    roots.resize(kept);
+  }
+  if (roots.empty() || AssignMeshToScene(model->scene, roots[0], 0) != nullptr) return true;
+  DeleteMesh(roots[0]);
+  model->meshes.clear();
+  return false;
 }
 
 // The PLY reader waits for its "end_header" line and never returns on a file
@@ -299,7 +326,8 @@ bool PlyWithoutHeaderEnd(const char* path) {
 long long PolygonsRead(const aiScene* ai) {
   long long polygons = 0;
   for (unsigned m = 0; m < ai->mNumMeshes; m++)
-    for (unsigned f = 0; f < ai->mMeshes[m]->mNumFaces; f++) polygons += ai->mMeshes[m]->mFaces[f].mNumIndices >= 3;
+    for (unsigned f = 0; f < ai->mMeshes[m]->mNumFaces; f++)
+      polygons += ai->mMeshes[m]->mFaces[f].mNumIndices >= 3;
   return polygons;
 }
 
@@ -341,7 +369,8 @@ ModelStatus ReadScene(Assimp::Importer& importer, const char* path, const ModelO
                       const aiScene** out, std::string* error) {
   importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, 80.0f);
   const aiScene* ai = importer.ReadFile(path, 0);
-  if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
+  if (ai == nullptr)
+    return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
   // Sizes are checked before the cleaning steps, which take long on huge counts.
   long long vertices = 0;
   for (unsigned m = 0; m < ai->mNumMeshes; m++) vertices += ai->mMeshes[m]->mNumVertices;
@@ -352,7 +381,8 @@ ModelStatus ReadScene(Assimp::Importer& importer, const char* path, const ModelO
   const aiScene* cleaned = FacesWellFormed(ai) ? importer.ApplyPostProcessing(kImportFlags) : nullptr;
   // The cleaning steps refuse some files outright that can still be drawn in part.
   ai = cleaned != nullptr ? cleaned : importer.ReadFile(path, aiProcess_FlipUVs);
-  if (ai == nullptr) return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
+  if (ai == nullptr)
+    return Fail(kModelUnreadable, error, std::string(path) + ": " + importer.GetErrorString());
   *out = ai;
   return kModelOk;
 }
@@ -388,9 +418,9 @@ ModelStatus TrialRead(const char* path, const ModelOptions& options, long long b
     if (time(nullptr) > deadline) {
       kill(child, SIGKILL);
       waitpid(child, &status, 0);
-      return Fail(kModelUnreadable, error,
-                  std::string(path) + ": the importer did not finish within " +
-                      std::to_string(seconds) + " s");
+      return Fail(
+          kModelUnreadable, error,
+          std::string(path) + ": the importer did not finish within " + std::to_string(seconds) + " s");
     }
     usleep(2000);
   }
@@ -438,7 +468,8 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
     if (options.progress != nullptr) options.progress(options.progressUser, -1, 0, 0);  // done
     if (ownScene == nullptr && (strips || ownError == kPlyHeaderUnended))
       return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
-    if (ownScene == nullptr) model->warnings.push_back("our reader refused the file (" + ownError + "); read by assimp");
+    if (ownScene == nullptr)
+      model->warnings.push_back("our reader refused the file (" + ownError + "); read by assimp");
   }
   Assimp::Importer importer;
   const aiScene* ai = ownScene.get();
@@ -447,7 +478,8 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
     if (read == kModelOk) read = ReadScene(importer, path, options, &ai, error);
     const long long got = read == kModelOk ? PolygonsRead(ai) : 0;
     // Neither reader has a polygon to give: ours says why.
-    if (!ownError.empty() && got == 0) return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
+    if (!ownError.empty() && got == 0)
+      return Fail(kModelUnreadable, error, std::string(path) + ": " + ownError);
     if (read != kModelOk) return read;
     if (declared > got) {
       model->dropped = declared - got;
@@ -472,14 +504,17 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
       for (int c = 0; c < p.corners; c++) bounds.Add(in.place * mesh->mVertices[p.v[c]]);
     }
   }
-  if (options.twoSided) slots *= 2;
   if (slots == 0) return Fail(kModelEmpty, error, std::string(path) + ": no polygons to draw");
   if (slots > options.maxPolygons)
     return Fail(kModelTooBig, error,
                 std::string(path) + ": " + std::to_string(slots) + " triangles, more than the " +
                     std::to_string(options.maxPolygons) + " a scene can count");
 
-  Builder b{ai, options, model, "", std::vector<ModelTexture*>(ai->mNumMaterials, nullptr),
+  Builder b{ai,
+            options,
+            model,
+            "",
+            std::vector<ModelTexture*>(ai->mNumMaterials, nullptr),
             std::vector<bool>(ai->mNumMaterials, false)};
   const std::string p = path;
   b.folder = p.rfind('/') == std::string::npos ? "" : p.substr(0, p.rfind('/') + 1);
@@ -492,11 +527,12 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
     if (drawable[in.mesh].empty()) continue;
     const ModelStatus status = b.Build(ai->mMeshes[in.mesh], in.place, drawable[in.mesh]);
     if (status != kModelOk) {
+      JoinIntoScene(model);
       FreeModel(model);
       return Fail(status, error, std::string(path) + ": the engine refused a mesh (out of memory)");
     }
   }
-  return kModelOk;
+  return JoinIntoScene(model) ? kModelOk : Fail(kModelNoMemory, error, "out of memory");
 }
 
 void ShowReading(void* user, long long bytesRead, long long bytesTotal, long long triangles) {
@@ -512,8 +548,8 @@ void ShowReading(void* user, long long bytesRead, long long bytesTotal, long lon
   }
   if (t - line->start < 1.0 || !isatty(2)) return;
   line->shown = true;
-  fprintf(stderr, "\rreading: %3d%% of %.1f MB, %lld triangles", int(100 * bytesRead / (bytesTotal ? bytesTotal : 1)),
-          double(bytesTotal) / 1048576.0, triangles);
+  fprintf(stderr, "\rreading: %3d%% of %.1f MB, %lld triangles",
+          int(100 * bytesRead / (bytesTotal ? bytesTotal : 1)), double(bytesTotal) / 1048576.0, triangles);
   fflush(stderr);
 }
 

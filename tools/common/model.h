@@ -28,7 +28,7 @@ constexpr long long kMaxScenePolygons = 50000000;
 
 struct ModelOptions {
   bool textures = true;    // decode diffuse textures
-  bool twoSided = true;    // add each polygon once more, wound the other way
+  bool twoSided = true;    // draw the side each polygon turns away too
   int maxTexture = 512;    // largest texture side kept, a power of two
   bool zUp = false;        // the file's up axis is z (as in Blender and 3DS files), not y
   // Vertices per engine mesh; bigger parts are split. Every mesh a scene

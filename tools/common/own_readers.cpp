@@ -8,17 +8,26 @@
 #include <stdio.h>
 #include <string.h>
 #include <strings.h>
+#include <sys/stat.h>
 
 #include <charconv>
 #include <cmath>
-#include <unordered_map>
 #include <vector>
 
 namespace {
 
+// The file's size, where it has one, is read in one go; a pipe or a file
+// that grows is still read to its end.
 bool ReadFile(const char* path, std::string* out) {
   FILE* f = fopen(path, "rb");
   if (f == nullptr) return false;
+  struct stat st;
+  size_t have = 0;
+  if (fstat(fileno(f), &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
+    out->resize(size_t(st.st_size));
+    have = fread(out->data(), 1, out->size(), f);
+    out->resize(have);
+  }
   char buffer[1 << 16];
   size_t n;
   while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out->append(buffer, n);
@@ -163,10 +172,65 @@ struct Key {
   long long p, t, n;
   bool operator==(const Key& o) const { return p == o.p && t == o.t && n == o.n; }
 };
-struct KeyHash {
-  size_t operator()(const Key& k) const {
-    return size_t(k.p * 0x9E3779B97F4A7C15ull ^ k.t * 0xC2B2AE3D27D4EB4Full ^ k.n * 0x165667B19E3779F9ull);
+
+// Keys to numbers, open addressed in two flat arrays: a model of millions
+// of corners looks up each one, and a node-based map spends more time
+// allocating and freeing than reading.
+class KeyIndex {
+ public:
+  // The number stored for key, or value stored for it now when it is new.
+  unsigned Find(const Key& key, unsigned value, bool* fresh) {
+    if (2 * (used_ + 1) > slots_.size()) Grow();
+    const size_t mask = slots_.size() - 1;
+    for (size_t i = Hash(key) & mask;; i = (i + 1) & mask) {
+      Slot& slot = slots_[i];
+      if (slot.value == kEmpty) {
+        slot = {key, value};
+        used_++;
+        *fresh = true;
+        return value;
+      }
+      if (slot.key == key) {
+        *fresh = false;
+        return slot.value;
+      }
+    }
   }
+  unsigned Find(const Key& key, unsigned value) {
+    bool fresh;
+    return Find(key, value, &fresh);
+  }
+  size_t size() const { return used_; }
+
+ private:
+  static constexpr unsigned kEmpty = ~0u;
+  // A key and its number side by side: one cache line a probe.
+  struct Slot {
+    Key key;
+    unsigned value = kEmpty;
+  };
+  // Every bit of the key reaches the low bits the table uses: coordinates'
+  // bits differ mostly in their high bits, indexes in their low ones.
+  static size_t Hash(const Key& k) {
+    uint64_t h = uint64_t(k.p) * 0x9E3779B97F4A7C15ull + uint64_t(k.t) * 0xC2B2AE3D27D4EB4Full +
+                 uint64_t(k.n) * 0x165667B19E3779F9ull;
+    h = (h ^ h >> 33) * 0xFF51AFD7ED558CCDull;
+    h = (h ^ h >> 33) * 0xC4CEB9FE1A85EC53ull;
+    return size_t(h ^ h >> 33);
+  }
+  void Grow() {
+    std::vector<Slot> slots(slots_.empty() ? 1024 : 2 * slots_.size());
+    const size_t mask = slots.size() - 1;
+    for (const Slot& old : slots_) {
+      if (old.value == kEmpty) continue;
+      size_t i = Hash(old.key) & mask;
+      while (slots[i].value != kEmpty) i = (i + 1) & mask;
+      slots[i] = old;
+    }
+    slots_.swap(slots);
+  }
+  std::vector<Slot> slots_;
+  size_t used_ = 0;
 };
 
 // Corners into vertices as assimp's cleaning makes them: one vertex a
@@ -174,23 +238,41 @@ struct KeyHash {
 // a vertex only with faces that turn less than 80 degrees from its face, so
 // the hard edges of a file without normals stay hard.
 struct Joiner {
-  std::unordered_map<Key, unsigned, KeyHash> exact;
-  std::unordered_map<Key, std::vector<std::pair<aiVector3D, unsigned>>, KeyHash> bent;
+  KeyIndex exact;
+  // Corners without a normal: the key's first cluster, and the clusters
+  // (the face normal that began one, its vertex, the next of the same key).
+  KeyIndex bent;
+  struct Cluster {
+    aiVector3D normal;
+    unsigned vertex, next;
+  };
+  std::vector<Cluster> clusters;
+
+  // The vertex of a corner whose key says all that sets it apart.
+  unsigned Exact(Part& part, const Key& key, const aiVector3D& position, const aiVector3D& uv) {
+    bool fresh;
+    const unsigned at = exact.Find(key, unsigned(part.vertices.size()), &fresh);
+    if (fresh) part.vertices.push_back(position), part.uvs.push_back(uv);
+    return at;
+  }
 
   unsigned Corner(Part& part, const Key& key, const aiVector3D& position, const aiVector3D& uv,
                   const aiVector3D& faceNormal) {
-    if (key.n >= 0) {
-      auto [at, fresh] = exact.try_emplace(key, unsigned(part.vertices.size()));
-      if (fresh) part.vertices.push_back(position), part.uvs.push_back(uv);
-      return at->second;
-    }
+    if (key.n >= 0) return Exact(part, key, position, uv);
+    const unsigned vertex = unsigned(part.vertices.size());
     constexpr float kCos80 = 0.173648f;
-    auto& clusters = bent[key];
-    for (const auto& [normal, vertex] : clusters)
-      if (normal * faceNormal > kCos80 * normal.Length() * faceNormal.Length()) return vertex;
-    clusters.emplace_back(faceNormal, unsigned(part.vertices.size()));
+    constexpr unsigned kNone = ~0u;
+    bool fresh;
+    unsigned c = bent.Find(key, unsigned(clusters.size()), &fresh);
+    unsigned last = kNone;
+    for (; !fresh && c != kNone; last = c, c = clusters[c].next) {
+      const aiVector3D& normal = clusters[c].normal;
+      if (normal * faceNormal > kCos80 * normal.Length() * faceNormal.Length()) return clusters[c].vertex;
+    }
+    if (last != kNone) clusters[last].next = unsigned(clusters.size());
+    clusters.push_back({faceNormal, vertex, kNone});
     part.vertices.push_back(position), part.uvs.push_back(uv);
-    return clusters.back().second;
+    return vertex;
   }
 };
 
@@ -588,21 +670,28 @@ struct StlBuilder {
   std::unique_ptr<aiScene> Scene() {
     std::vector<Part> parts(1);
     Joiner joiner;
-    std::unordered_map<Key, long long, KeyHash> positions, normals;
+    KeyIndex positions;
     std::vector<aiVector3D> corners;
+    parts[0].corners.reserve(facets.size() / 4 * 3);
+    parts[0].sizes.assign(facets.size() / 4, 3);
     for (size_t f = 0; f < facets.size(); f += 4) {
       corners.assign(facets.begin() + long(f + 1), facets.begin() + long(f + 4));
       const aiVector3D& normal = facets[f];
-      const long long n =
-          allNormals ? normals.try_emplace(Bits(normal), (long long)normals.size()).first->second : -1;
-      const aiVector3D face = allNormals ? normal : FaceNormal(corners);
       for (int k = 0; k < 3; k++) {
-        const long long p =
-            positions.try_emplace(Bits(corners[size_t(k)]), (long long)positions.size()).first->second;
-        parts[0].corners.push_back(
-            joiner.Corner(parts[0], Key{p, -1, n}, corners[size_t(k)], aiVector3D(), face));
+        const aiVector3D& at = corners[size_t(k)];
+        const Key place = Bits(at);
+        if (allNormals) {
+          // A corner is its position and its facet's normal, bit for bit:
+          // one look-up of both.
+          const Key turn = Bits(normal);
+          const Key both{place.p | place.t << 32, place.n | turn.p << 32, turn.t | turn.n << 32};
+          parts[0].corners.push_back(joiner.Exact(parts[0], both, at, aiVector3D()));
+        } else {
+          const long long p = positions.Find(place, unsigned(positions.size()));
+          parts[0].corners.push_back(
+              joiner.Corner(parts[0], Key{p, -1, -1}, at, aiVector3D(), FaceNormal(corners)));
+        }
       }
-      parts[0].sizes.push_back(3);
     }
     return MakeScene(parts, {});
   }

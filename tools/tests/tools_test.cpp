@@ -78,8 +78,8 @@ TEST_F(Engine, LoadsSplitsFramesAndDrawsAModel) {
   std::string error;
   ASSERT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk) << error;
   EXPECT_EQ(model.meshes.size(), 7u);      // 602 vertices, at most 100 a mesh
-  EXPECT_EQ(model.polygons, 300 * 2 * 2);  // quads are two slots, two sides
-  EXPECT_EQ(GetSceneNumberOfMeshes(model.scene), 7);
+  EXPECT_EQ(model.polygons, 300 * 2);  // quads are two slots
+  EXPECT_EQ(GetSceneNumberOfMeshes(model.scene), 1);  // one tree carries the others
 
   Stage stage;
   ASSERT_TRUE(CreateStage(&stage, model.scene, 64, 48, 1, kModelRadius, 1));
@@ -112,11 +112,11 @@ TEST_F(Engine, LoadsSplitsFramesAndDrawsAModel) {
   FreeModel(&model);
   EXPECT_EQ(model.scene, nullptr);
 
-  // 1200 triangle slots with both sides: refused before any mesh is made.
-  options.maxPolygons = 1000;
+  // 600 triangle slots and 602 vertices: refused before any mesh is made.
+  options.maxPolygons = 599;
   EXPECT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelTooBig);
   EXPECT_EQ(model.scene, nullptr);
-  options.twoSided = false;
+  options.maxPolygons = 602;
   EXPECT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk);
   EXPECT_EQ(model.polygons, 600);
   FreeModel(&model);
