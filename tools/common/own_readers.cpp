@@ -238,12 +238,18 @@ class KeyIndex {
 // a vertex only with faces that turn less than 80 degrees from its face, so
 // the hard edges of a file without normals stay hard.
 struct Joiner {
+  static constexpr unsigned kNone = ~0u;
   KeyIndex exact;
-  // Corners without a normal: the key's first cluster, and the clusters
-  // (the face normal that began one, its vertex, the next of the same key).
+  // Corners without a normal: the first cluster of a key, straight by
+  // position where the corner has no texture index either (the common case,
+  // and a look-up that stays in the cache), else through a hash.
+  std::vector<unsigned> byPosition;
   KeyIndex bent;
+  // The face normal that began a cluster and its length, its vertex, and
+  // the next cluster of the same key.
   struct Cluster {
     aiVector3D normal;
+    float length;
     unsigned vertex, next;
   };
   std::vector<Cluster> clusters;
@@ -257,20 +263,33 @@ struct Joiner {
   }
 
   unsigned Corner(Part& part, const Key& key, const aiVector3D& position, const aiVector3D& uv,
-                  const aiVector3D& faceNormal) {
+                  const aiVector3D& faceNormal, float faceLength) {
     if (key.n >= 0) return Exact(part, key, position, uv);
     const unsigned vertex = unsigned(part.vertices.size());
     constexpr float kCos80 = 0.173648f;
-    constexpr unsigned kNone = ~0u;
-    bool fresh;
-    unsigned c = bent.Find(key, unsigned(clusters.size()), &fresh);
-    unsigned last = kNone;
-    for (; !fresh && c != kNone; last = c, c = clusters[c].next) {
-      const aiVector3D& normal = clusters[c].normal;
-      if (normal * faceNormal > kCos80 * normal.Length() * faceNormal.Length()) return clusters[c].vertex;
+    unsigned* first = nullptr;  // where a key's first cluster is kept, for the direct look-up
+    unsigned head;
+    if (key.t < 0) {
+      if (size_t(key.p) >= byPosition.size())
+        byPosition.resize(size_t(key.p) + 1 + byPosition.size() / 2, kNone);
+      first = &byPosition[size_t(key.p)];
+      head = *first;
+    } else {
+      // A fresh key is given the cluster made below.
+      bool fresh;
+      head = bent.Find(key, unsigned(clusters.size()), &fresh);
+      if (fresh) head = kNone;
     }
-    if (last != kNone) clusters[last].next = unsigned(clusters.size());
-    clusters.push_back({faceNormal, vertex, kNone});
+    unsigned last = kNone;
+    for (unsigned c = head; c != kNone; last = c, c = clusters[c].next) {
+      const Cluster& cluster = clusters[c];
+      if (cluster.normal * faceNormal > kCos80 * cluster.length * faceLength) return cluster.vertex;
+    }
+    if (last != kNone)
+      clusters[last].next = unsigned(clusters.size());
+    else if (first != nullptr)
+      *first = unsigned(clusters.size());
+    clusters.push_back({faceNormal, faceNormal.Length(), vertex, kNone});
     part.vertices.push_back(position), part.uvs.push_back(uv);
     return vertex;
   }
@@ -400,10 +419,12 @@ std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& fo
         return nullptr;
       }
       const aiVector3D normal = FaceNormal(corners);
+      const float length = normal.Length();
       Part& target = parts[part];
       for (size_t i = 0; i < keys.size(); i++)
-        target.corners.push_back(joined[part].Corner(
-            target, keys[i], corners[i], keys[i].t >= 0 ? uvs[size_t(keys[i].t)] : aiVector3D(), normal));
+        target.corners.push_back(joined[part].Corner(target, keys[i], corners[i],
+                                                     keys[i].t >= 0 ? uvs[size_t(keys[i].t)] : aiVector3D(),
+                                                     normal, length));
       target.sizes.push_back(unsigned(keys.size()));
     }
   }
@@ -677,6 +698,8 @@ struct StlBuilder {
     for (size_t f = 0; f < facets.size(); f += 4) {
       corners.assign(facets.begin() + long(f + 1), facets.begin() + long(f + 4));
       const aiVector3D& normal = facets[f];
+      const aiVector3D face = allNormals ? normal : FaceNormal(corners);
+      const float length = face.Length();
       for (int k = 0; k < 3; k++) {
         const aiVector3D& at = corners[size_t(k)];
         const Key place = Bits(at);
@@ -688,8 +711,7 @@ struct StlBuilder {
           parts[0].corners.push_back(joiner.Exact(parts[0], both, at, aiVector3D()));
         } else {
           const long long p = positions.Find(place, unsigned(positions.size()));
-          parts[0].corners.push_back(
-              joiner.Corner(parts[0], Key{p, -1, -1}, at, aiVector3D(), FaceNormal(corners)));
+          parts[0].corners.push_back(joiner.Corner(parts[0], Key{p, -1, -1}, at, aiVector3D(), face, length));
         }
       }
     }
