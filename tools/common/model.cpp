@@ -447,18 +447,22 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   // once and in this process. A file ours refuses goes to assimp, which reads
   // every other format, in a child process first. A PLY header that ours
   // finds unended is refused outright: assimp's reader can loop on it.
-  bool strips = false;
-  long long vertices = -1;
-  const long long declared = DeclaredPolygons(path, &strips, &vertices);
+  std::string ext = strrchr(path, '.') != nullptr ? strrchr(path, '.') + 1 : "";
+  for (char& c : ext) c = char(c >= 'A' && c <= 'Z' ? c + 32 : c);
   // A header's counts too big for a scene are refused before any reader
-  // allocates for them (assimp's OFF reader takes most of a minute to).
-  if (vertices > options.maxPolygons || declared > options.maxPolygons)
+  // allocates for them (assimp's OFF reader takes most of a minute to). An
+  // OBJ has no header: its faces are counted only if assimp has to read it.
+  bool strips = false;
+  long long vertices = -1, declared = -1;
+  auto countDeclared = [&]() {
+    declared = DeclaredPolygons(path, &strips, &vertices);
+    if (vertices <= options.maxPolygons && declared <= options.maxPolygons) return kModelOk;
     return Fail(kModelTooBig, error,
                 std::string(path) + ": " + std::to_string(vertices > declared ? vertices : declared) +
                     (vertices > declared ? " vertices" : " polygons") + ", more than the " +
                     std::to_string(options.maxPolygons) + " a scene can count");
-  std::string ext = strrchr(path, '.') != nullptr ? strrchr(path, '.') + 1 : "";
-  for (char& c : ext) c = char(c >= 'A' && c <= 'Z' ? c + 32 : c);
+  };
+  if (ext != "obj" && countDeclared() != kModelOk) return kModelTooBig;
   std::unique_ptr<aiScene> ownScene;
   std::string ownError;
   if (ext == "obj" || ext == "ply" || ext == "stl") {
@@ -474,6 +478,7 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   Assimp::Importer importer;
   const aiScene* ai = ownScene.get();
   if (ai == nullptr) {
+    if (ext == "obj" && countDeclared() != kModelOk) return kModelTooBig;
     ModelStatus read = TrialRead(path, options, (long long)st.st_size, error);
     if (read == kModelOk) read = ReadScene(importer, path, options, &ai, error);
     const long long got = read == kModelOk ? PolygonsRead(ai) : 0;
@@ -493,6 +498,15 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   long long slots = 0;
   Bounds bounds;
   for (unsigned m = 0; m < ai->mNumMeshes; m++) drawable[m] = DrawablePolygons(ai->mMeshes[m]);
+  // The faces of our own scene, a block each, are not needed again: they
+  // go before the engine's meshes are made, which lowers the peak.
+  if (ownScene != nullptr)
+    for (unsigned m = 0; m < ownScene->mNumMeshes; m++) {
+      aiMesh* mesh = ownScene->mMeshes[m];
+      delete[] mesh->mFaces;
+      mesh->mFaces = nullptr;
+      mesh->mNumFaces = 0;
+    }
   std::vector<Instance> instances;
   aiMatrix4x4 up;
   if (options.zUp) aiMatrix4x4::RotationX(-1.5707963f, up);
@@ -523,9 +537,14 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   b.scale = radius > 0 && isfinite(radius) ? kModelRadius / radius : 1.0f;
   model->scene = CreateScene();
   if (model->scene == nullptr) return Fail(kModelNoMemory, error, "out of memory");
-  for (const Instance& in : instances) {
+  // A source mesh's polygons go once its last instance is built.
+  std::vector<size_t> lastUse(ai->mNumMeshes, 0);
+  for (size_t i = 0; i < instances.size(); i++) lastUse[instances[i].mesh] = i;
+  for (size_t i = 0; i < instances.size(); i++) {
+    const Instance& in = instances[i];
     if (drawable[in.mesh].empty()) continue;
     const ModelStatus status = b.Build(ai->mMeshes[in.mesh], in.place, drawable[in.mesh]);
+    if (lastUse[in.mesh] == i) std::vector<SourcePolygon>().swap(drawable[in.mesh]);
     if (status != kModelOk) {
       JoinIntoScene(model);
       FreeModel(model);

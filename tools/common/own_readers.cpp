@@ -16,21 +16,22 @@
 
 namespace {
 
-// The file's size, where it has one, is read in one go; a pipe or a file
-// that grows is still read to its end.
-bool ReadFile(const char* path, std::string* out) {
+// The file, or its first limit bytes when limit is not 0. Its size, where
+// it has one, is read in one go; a pipe or a file that grows is still read
+// to its end.
+bool ReadFile(const char* path, std::string* out, size_t limit = 0) {
   FILE* f = fopen(path, "rb");
   if (f == nullptr) return false;
+  out->clear();
   struct stat st;
-  size_t have = 0;
   if (fstat(fileno(f), &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
-    out->resize(size_t(st.st_size));
-    have = fread(out->data(), 1, out->size(), f);
-    out->resize(have);
+    out->resize(limit != 0 && size_t(st.st_size) > limit ? limit : size_t(st.st_size));
+    out->resize(fread(out->data(), 1, out->size(), f));
   }
   char buffer[1 << 16];
   size_t n;
-  while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out->append(buffer, n);
+  while ((limit == 0 || out->size() < limit) && (n = fread(buffer, 1, sizeof buffer, f)) > 0)
+    out->append(buffer, limit != 0 && n > limit - out->size() ? limit - out->size() : n);
   const bool ok = ferror(f) == 0;
   fclose(f);
   return ok;
@@ -800,7 +801,19 @@ long long DeclaredPolygons(const char* path, bool* strips, long long* vertices) 
   *vertices = -1;
   const std::string ext = Extension(path);
   std::string bytes;
-  if ((ext != "obj" && ext != "ply" && ext != "off" && ext != "stl") || !ReadFile(path, &bytes)) return -1;
+  // Headers are short: a PLY or OFF file and a binary STL are known by
+  // their first megabyte and their size, and only OBJ and ASCII STL files
+  // are read whole to be counted.
+  struct stat st;
+  if ((ext != "obj" && ext != "ply" && ext != "off" && ext != "stl") || stat(path, &st) != 0 ||
+      !ReadFile(path, &bytes, ext == "obj" ? 0 : 1 << 20))
+    return -1;
+  if (ext == "stl" && bytes.size() >= 84) {
+    uint32_t count;
+    memcpy(&count, bytes.data() + 80, 4);
+    if ((unsigned long long)st.st_size == 84 + 50ull * count) return count;
+    if (!ReadFile(path, &bytes, 0)) return -1;
+  }
   Text t{bytes.data(), bytes.data() + bytes.size()};
   if (ext == "obj") {
     long long faces = 0;
@@ -831,12 +844,7 @@ long long DeclaredPolygons(const char* path, bool* strips, long long* vertices) 
     }
     return -1;
   }
-  // STL: a binary file is 84 bytes and 50 a facet; else count ASCII facets.
-  if (bytes.size() >= 84) {
-    uint32_t count;
-    memcpy(&count, bytes.data() + 80, 4);
-    if (bytes.size() == 84 + 50ull * count) return count;
-  }
+  // An ASCII STL: its facets counted.
   long long facets = 0;
   for (; !t.AtEnd(); t.NextLine()) facets += t.Token() == "facet";
   return facets;
