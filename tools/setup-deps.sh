@@ -3,7 +3,7 @@
 set -eu
 need="cmake g++ g++-multilib make googletest libbenchmark-dev libpng-dev binutils"
 # The host tools (e3d-render, e3d-view) and their tests.
-need="$need pkg-config libassimp-dev assimp-testmodels libstb-dev libsdl2-dev xvfb xauth"
+need="$need pkg-config libassimp-dev assimp-testmodels libstb-dev libsdl2-dev xvfb xauth libmeshoptimizer-dev"
 # The Windows DLLs (mingw-w64) and their tests (64-bit Wine).
 need="$need g++-mingw-w64-i686 g++-mingw-w64-x86-64 wine wine64"
 missing=""

@@ -22,6 +22,7 @@
 #include <assimp/Importer.hpp>
 
 #include "own_readers.h"
+#include "simplify.h"
 #include "texture.h"
 
 namespace {
@@ -67,7 +68,8 @@ bool FacesWellFormed(const aiScene* ai) {
   return true;
 }
 
-// True when a, b, c of the mesh span some area at finite coordinates.
+}  // namespace
+
 bool Spans(const aiMesh* mesh, unsigned a, unsigned b, unsigned c) {
   if (a >= mesh->mNumVertices || b >= mesh->mNumVertices || c >= mesh->mNumVertices) return false;
   const aiVector3D& p = mesh->mVertices[a];
@@ -75,6 +77,8 @@ bool Spans(const aiMesh* mesh, unsigned a, unsigned b, unsigned c) {
   const float area = n.SquareLength();
   return area > 0 && isfinite(area);
 }
+
+namespace {
 
 // The polygons of a mesh that the engine can draw: triangles and quads as
 // they are, larger polygons as fans; nothing with a repeated corner, without
@@ -282,8 +286,8 @@ ModelStatus Builder::Build(const aiMesh* src, const aiMatrix4x4& place,
 // into a balanced tree, each polygon is counted once a level, and one
 // assignment carries the whole tree into the scene. The meshes are drawn
 // and lit as before: setters and lights reach a mesh's whole subtree.
-bool JoinIntoScene(Model* model) {
-  std::vector<Mesh*> roots = model->meshes;
+Mesh* JoinIntoScene(Model* model, size_t from) {
+  std::vector<Mesh*> roots(model->meshes.begin() + long(from), model->meshes.end());
   while (roots.size() > 1) {
     size_t kept = 0;
     for (size_t i = 0; i < roots.size(); i += 2) {
@@ -292,10 +296,11 @@ bool JoinIntoScene(Model* model) {
     }
     roots.resize(kept);
   }
-  if (roots.empty() || AssignMeshToScene(model->scene, roots[0], 0) != nullptr) return true;
+  if (roots.empty() || AssignMeshToScene(model->scene, roots[0], 0) != nullptr)
+    return roots.empty() ? nullptr : roots[0];
   DeleteMesh(roots[0]);
-  model->meshes.clear();
-  return false;
+  model->meshes.resize(from);
+  return nullptr;
 }
 
 // The PLY reader waits for its "end_header" line and never returns on a file
@@ -540,18 +545,41 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   // A source mesh's polygons go once its last instance is built.
   std::vector<size_t> lastUse(ai->mNumMeshes, 0);
   for (size_t i = 0; i < instances.size(); i++) lastUse[instances[i].mesh] = i;
+  const bool simplify = options.simplifyTo > 0 && slots > options.simplifyTo;
+  std::vector<std::vector<SourcePolygon>> simpler(simplify ? ai->mNumMeshes : 0);
+  const auto refused = [&](ModelStatus status, size_t from) {
+    JoinIntoScene(model, from);  // the scene takes what was built, and frees it
+    FreeModel(model);
+    return Fail(status, error, std::string(path) + ": the engine refused a mesh (out of memory)");
+  };
   for (size_t i = 0; i < instances.size(); i++) {
     const Instance& in = instances[i];
     if (drawable[in.mesh].empty()) continue;
+    if (simplify && simpler[in.mesh].empty())
+      simpler[in.mesh] = SimplifyPolygons(ai->mMeshes[in.mesh], drawable[in.mesh],
+                                          double(options.simplifyTo) / double(slots));
     const ModelStatus status = b.Build(ai->mMeshes[in.mesh], in.place, drawable[in.mesh]);
     if (lastUse[in.mesh] == i) std::vector<SourcePolygon>().swap(drawable[in.mesh]);
-    if (status != kModelOk) {
-      JoinIntoScene(model);
-      FreeModel(model);
-      return Fail(status, error, std::string(path) + ": the engine refused a mesh (out of memory)");
-    }
+    if (status != kModelOk) return refused(status, 0);
   }
-  return JoinIntoScene(model) ? kModelOk : Fail(kModelNoMemory, error, "out of memory");
+  model->full = JoinIntoScene(model, 0);
+  if (model->full == nullptr) return refused(kModelNoMemory, 0);
+  if (simplify) {
+    // The lighter copy: a tree of its own beside the full one, hidden.
+    const size_t from = model->meshes.size();
+    const long long polygons = model->polygons;
+    for (const Instance& in : instances) {
+      if (simpler[in.mesh].empty()) continue;
+      const ModelStatus status = b.Build(ai->mMeshes[in.mesh], in.place, simpler[in.mesh]);
+      if (status != kModelOk) return refused(status, from);
+    }
+    model->simplePolygons = model->polygons - polygons;
+    model->polygons = polygons;
+    model->simple = JoinIntoScene(model, from);
+    if (model->simple == nullptr) return refused(kModelNoMemory, from);
+    HideMesh(model->simple);
+  }
+  return kModelOk;
 }
 
 void ShowReading(void* user, long long bytesRead, long long bytesTotal, long long triangles) {

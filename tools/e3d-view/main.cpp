@@ -38,7 +38,24 @@ struct Viewer {
   int wireframe = 0, textures = 1, blur = 0, tinted = 0, spin = 0, shots = 0;
   const char* shotPath = nullptr;
   std::string name;
+  // A big model's full tree and its simplified copy, which is drawn while
+  // the camera moves once a full frame takes longer than kSlowFrame.
+  Mesh* full = nullptr;
+  Mesh* simple = nullptr;
+  long long fullPolygons = 0, simplePolygons = 0;
+  bool showingSimple = false;
+  double fullSeconds = 0;  // the last full frame's drawing
 };
+
+constexpr double kSlowFrame = 0.050;  // seconds
+constexpr double kRest = 0.3;         // seconds without a move before the full model returns
+
+void ShowCopy(Viewer* v, bool simple) {
+  if (v->simple == nullptr || simple == v->showingSimple) return;
+  HideMesh(simple ? v->full : v->simple);
+  ShowMesh(simple ? v->simple : v->full);
+  v->showingSimple = simple;
+}
 
 void ApplyModes(Viewer* v) { SetSceneDrawModes(v->stage.scene, v->shade, v->wireframe, v->textures); }
 
@@ -65,13 +82,32 @@ void Screenshot(Viewer* v, SDL_Renderer* renderer) {
 void Key(Viewer* v, SDL_Keycode key, SDL_Renderer* renderer, bool* quit) {
   Stage& s = v->stage;
   switch (key) {
-    case SDLK_1: v->shade = kShadeUnlit; ApplyModes(v); break;
-    case SDLK_2: v->shade = kShadeFlat; ApplyModes(v); break;
-    case SDLK_3: v->shade = kShadeGouraud; ApplyModes(v); break;
-    case SDLK_w: v->wireframe = !v->wireframe; ApplyModes(v); break;
-    case SDLK_t: v->textures = !v->textures; ApplyModes(v); break;
-    case SDLK_b: v->blur = !v->blur; break;
-    case SDLK_c: SetTint(v, !v->tinted); break;
+    case SDLK_1:
+      v->shade = kShadeUnlit;
+      ApplyModes(v);
+      break;
+    case SDLK_2:
+      v->shade = kShadeFlat;
+      ApplyModes(v);
+      break;
+    case SDLK_3:
+      v->shade = kShadeGouraud;
+      ApplyModes(v);
+      break;
+    case SDLK_w:
+      v->wireframe = !v->wireframe;
+      ApplyModes(v);
+      break;
+    case SDLK_t:
+      v->textures = !v->textures;
+      ApplyModes(v);
+      break;
+    case SDLK_b:
+      v->blur = !v->blur;
+      break;
+    case SDLK_c:
+      SetTint(v, !v->tinted);
+      break;
     case SDLK_d: {
       const int tinted = v->tinted;
       SetTint(v, 0);
@@ -79,19 +115,37 @@ void Key(Viewer* v, SDL_Keycode key, SDL_Renderer* renderer, bool* quit) {
       SetTint(v, tinted);
       break;
     }
-    case SDLK_r: s.yaw = 30, s.pitch = 20, s.zoom = 1; break;
-    case SDLK_SPACE: v->spin = !v->spin; break;
-    case SDLK_s: case SDLK_F12: Screenshot(v, renderer); break;
-    case SDLK_q: case SDLK_ESCAPE: *quit = true; break;
-    default: break;
+    case SDLK_r:
+      s.yaw = 30, s.pitch = 20, s.zoom = 1;
+      break;
+    case SDLK_SPACE:
+      v->spin = !v->spin;
+      break;
+    case SDLK_s:
+    case SDLK_F12:
+      Screenshot(v, renderer);
+      break;
+    case SDLK_q:
+    case SDLK_ESCAPE:
+      *quit = true;
+      break;
+    default:
+      break;
   }
 }
 
 void Title(Viewer* v, SDL_Window* window, double fps) {
   char title[256];
-  snprintf(title, sizeof title, "e3d-view: %s  %.1f fps  %s%s, %s%s%s%s", v->name.c_str(), fps,
-           kShadeNames[v->shade & 7], v->wireframe ? " wireframe" : "", v->stage.depth ? "depth buffer" : "painter",
-           v->textures ? ", textures" : "", v->blur ? ", blur" : "", v->tinted ? ", tint" : "");
+  char copy[96] = "";
+  if (v->simple != nullptr)
+    snprintf(
+        copy, sizeof copy,
+        v->showingSimple ? "  [simplified copy: %lld of %lld triangles]" : "  [full model: %lld triangles]",
+        v->showingSimple ? v->simplePolygons : v->fullPolygons, v->fullPolygons);
+  snprintf(title, sizeof title, "e3d-view: %s  %.1f fps  %s%s, %s%s%s%s%s", v->name.c_str(), fps,
+           kShadeNames[v->shade & 7], v->wireframe ? " wireframe" : "",
+           v->stage.depth ? "depth buffer" : "painter", v->textures ? ", textures" : "",
+           v->blur ? ", blur" : "", v->tinted ? ", tint" : "", copy);
   SDL_SetWindowTitle(window, title);
 }
 
@@ -115,9 +169,11 @@ int Run(Viewer* v, int frames, const char* keys) {
   const int w = v->stage.width, h = v->stage.height;
   SDL_Window* window = SDL_CreateWindow("e3d-view", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, w, h, 0);
   SDL_Renderer* renderer = window ? SDL_CreateRenderer(window, -1, SDL_RENDERER_PRESENTVSYNC) : nullptr;
-  if (window != nullptr && renderer == nullptr) renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
+  if (window != nullptr && renderer == nullptr)
+    renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
   SDL_Texture* texture =
-      renderer ? SDL_CreateTexture(renderer, SDL_PIXELFORMAT_RGB555, SDL_TEXTUREACCESS_STREAMING, w, h) : nullptr;
+      renderer ? SDL_CreateTexture(renderer, SDL_PIXELFORMAT_RGB555, SDL_TEXTUREACCESS_STREAMING, w, h)
+               : nullptr;
   if (texture == nullptr) {
     fprintf(stderr, "e3d-view: no window: %s\n", SDL_GetError());
     if (renderer) SDL_DestroyRenderer(renderer);
@@ -127,29 +183,51 @@ int Run(Viewer* v, int frames, const char* keys) {
   bool quit = false;
   for (const char* k = keys; *k != '\0'; k++) Key(v, SDL_Keycode(*k), renderer, &quit);
   int frame = 0, counted = 0;
-  Uint64 last = SDL_GetPerformanceCounter();
+  const double tick = 1.0 / double(SDL_GetPerformanceFrequency());
+  Uint64 last = SDL_GetPerformanceCounter(), lastMove = 0;
+  bool dirty = true;  // the picture no longer shows the state
   while (!quit) {
     SDL_Event e;
+    bool moved = v->spin != 0;
     while (SDL_PollEvent(&e)) {
-      if (e.type == SDL_QUIT) quit = true;
-      else if (e.type == SDL_KEYDOWN) Key(v, e.key.keysym.sym, renderer, &quit);
-      else if (e.type == SDL_MOUSEMOTION && (e.motion.state & SDL_BUTTON_LMASK)) {
+      if (e.type == SDL_QUIT)
+        quit = true;
+      else if (e.type == SDL_KEYDOWN)
+        Key(v, e.key.keysym.sym, renderer, &quit), dirty = true;
+      else if (e.type == SDL_WINDOWEVENT)
+        dirty = true;
+      if (e.type == SDL_MOUSEMOTION && (e.motion.state & SDL_BUTTON_LMASK)) {
+        moved = true;
         v->stage.yaw -= float(e.motion.xrel) * 0.4f;
         v->stage.pitch += float(e.motion.yrel) * 0.4f;
         if (v->stage.pitch > 85) v->stage.pitch = 85;
         if (v->stage.pitch < -85) v->stage.pitch = -85;
       } else if (e.type == SDL_MOUSEWHEEL) {
+        moved = true;
         v->stage.zoom *= e.wheel.y > 0 ? 0.9f : 1.0f / 0.9f;
         if (v->stage.zoom < 0.1f) v->stage.zoom = 0.1f;
         if (v->stage.zoom > 20) v->stage.zoom = 20;
       }
     }
     if (v->spin) v->stage.yaw += 1;
-    PlaceStageCamera(&v->stage);
-    DrawStage(&v->stage, 0x1C2430);
-    if (v->tinted) DrawViewportPostFX(v->stage.viewport);
-    if (v->blur) FSBlur(v->stage.pixels, w, h);
-    SDL_UpdateTexture(texture, nullptr, v->stage.pixels, w * 2);
+    const Uint64 now = SDL_GetPerformanceCounter();
+    if (moved) lastMove = now, dirty = true;
+    // While the camera moves a slow model gives way to its copy; at rest
+    // the full model is drawn once and the picture kept.
+    const bool simple = (moved || double(now - lastMove) * tick < kRest) && v->fullSeconds > kSlowFrame;
+    if (v->simple != nullptr && simple != v->showingSimple) ShowCopy(v, simple), dirty = true;
+    if (dirty) {
+      PlaceStageCamera(&v->stage);
+      const Uint64 start = SDL_GetPerformanceCounter();
+      DrawStage(&v->stage, 0x1C2430);
+      if (!v->showingSimple) v->fullSeconds = double(SDL_GetPerformanceCounter() - start) * tick;
+      if (v->tinted) DrawViewportPostFX(v->stage.viewport);
+      if (v->blur) FSBlur(v->stage.pixels, w, h);
+      SDL_UpdateTexture(texture, nullptr, v->stage.pixels, w * 2);
+      dirty = false;
+    } else {
+      SDL_Delay(5);
+    }
     SDL_RenderClear(renderer);
     SDL_RenderCopy(renderer, texture, nullptr, nullptr);
     if (frames > 0 && ++frame >= frames) {
@@ -179,6 +257,7 @@ int main(int argc, char** argv) {
   int width = 800, height = 600, frames = 0;
   const char* keys = "";
   ModelOptions load;
+  load.simplifyTo = 300000;
   ReadingLine reading;
   load.progress = ShowReading, load.progressUser = &reading;
   for (int i = 1; i < argc; i++) {
@@ -224,6 +303,8 @@ int main(int argc, char** argv) {
     }
     for (const std::string& w : model.warnings) fprintf(stderr, "e3d-view: warning: %s\n", w.c_str());
     scene = model.scene;
+    v.full = model.full, v.simple = model.simple;
+    v.fullPolygons = model.polygons, v.simplePolygons = model.simplePolygons;
     radius = kModelRadius;
     const char* slash = strrchr(path, '/');
     v.name = slash ? slash + 1 : path;
@@ -246,8 +327,10 @@ int main(int argc, char** argv) {
     if (v.tint != nullptr) DeleteMaterial(v.tint);
     FreeStage(&v.stage);
   }
-  if (path != nullptr) FreeModel(&model);
-  else if (scene != nullptr) DeleteWholeScene(scene);
+  if (path != nullptr)
+    FreeModel(&model);
+  else if (scene != nullptr)
+    DeleteWholeScene(scene);
   ReleaseEngine3D();
   return code;
 }

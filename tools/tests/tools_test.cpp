@@ -77,8 +77,8 @@ TEST_F(Engine, LoadsSplitsFramesAndDrawsAModel) {
   Model model;
   std::string error;
   ASSERT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk) << error;
-  EXPECT_EQ(model.meshes.size(), 7u);      // 602 vertices, at most 100 a mesh
-  EXPECT_EQ(model.polygons, 300 * 2);  // quads are two slots
+  EXPECT_EQ(model.meshes.size(), 7u);                 // 602 vertices, at most 100 a mesh
+  EXPECT_EQ(model.polygons, 300 * 2);                 // quads are two slots
   EXPECT_EQ(GetSceneNumberOfMeshes(model.scene), 1);  // one tree carries the others
 
   Stage stage;
@@ -119,6 +119,19 @@ TEST_F(Engine, LoadsSplitsFramesAndDrawsAModel) {
   options.maxPolygons = 602;
   EXPECT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk);
   EXPECT_EQ(model.polygons, 600);
+  EXPECT_EQ(model.simple, nullptr);
+  FreeModel(&model);
+
+  // A hidden lighter copy beside the full tree, which stays as it was.
+  options.simplifyTo = 100;
+  ASSERT_EQ(LoadModel(path.c_str(), options, &model, &error), kModelOk);
+  EXPECT_EQ(model.polygons, 600);
+  ASSERT_NE(model.simple, nullptr);
+  EXPECT_GT(model.simplePolygons, 0);
+  EXPECT_LE(model.simplePolygons, 150);
+  EXPECT_NE(IsHiddenMesh(model.simple), 0u);
+  EXPECT_EQ(IsHiddenMesh(model.full), 0u);
+  EXPECT_EQ(GetSceneNumberOfMeshes(model.scene), 2);
   FreeModel(&model);
   EXPECT_EQ(LoadModel("/nonexistent.obj", options, &model, &error), kModelUnreadable);
   EXPECT_NE(error.find("no such file"), std::string::npos);
