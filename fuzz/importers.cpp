@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (std::string(format) == "obj" || std::string(format) == "ply" || std::string(format) == "stl") {
     std::string error;
     const std::string bytes(reinterpret_cast<const char*>(data + 1), size - 1);
-    const std::unique_ptr<aiScene> scene = ReadOwnModelBytes(bytes, format, "/nonexistent/", &error);
+    const OwnScene scene = ReadOwnModelBytes(bytes, format, "/nonexistent/", &error);
     FUZZ_CHECK((scene != nullptr) != !error.empty());
   }
   fuzz::StartEngine();

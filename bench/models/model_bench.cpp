@@ -109,7 +109,7 @@ int Read(const char* path) {
   for (int run = 0; run < 3; run++) {
     std::string why;
     const double start = ThreadSeconds();
-    const std::unique_ptr<aiScene> scene = ReadOwnModel(path, &why);
+    const OwnScene scene = ReadOwnModel(path, &why);
     const double took = ThreadSeconds() - start;
     if (scene == nullptr) return fprintf(stderr, "%s: %s\n", path, why.c_str()), 1;
     best = took < best ? took : best;

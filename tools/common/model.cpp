@@ -468,7 +468,7 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
                     std::to_string(options.maxPolygons) + " a scene can count");
   };
   if (ext != "obj" && countDeclared() != kModelOk) return kModelTooBig;
-  std::unique_ptr<aiScene> ownScene;
+  OwnScene ownScene;
   std::string ownError;
   if (ext == "obj" || ext == "ply" || ext == "stl") {
     const ReadProgress progress{options.progress, options.progressUser};
@@ -505,13 +505,7 @@ ModelStatus LoadModel(const char* path, const ModelOptions& options, Model* mode
   for (unsigned m = 0; m < ai->mNumMeshes; m++) drawable[m] = DrawablePolygons(ai->mMeshes[m]);
   // The faces of our own scene, a block each, are not needed again: they
   // go before the engine's meshes are made, which lowers the peak.
-  if (ownScene != nullptr)
-    for (unsigned m = 0; m < ownScene->mNumMeshes; m++) {
-      aiMesh* mesh = ownScene->mMeshes[m];
-      delete[] mesh->mFaces;
-      mesh->mFaces = nullptr;
-      mesh->mNumFaces = 0;
-    }
+  if (ownScene != nullptr) FreeOwnFaces(ownScene.get());
   std::vector<Instance> instances;
   aiMatrix4x4 up;
   if (options.zUp) aiMatrix4x4::RotationX(-1.5707963f, up);

@@ -5,10 +5,13 @@
 
 #include <assimp/material.h>
 #include <assimp/scene.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <string.h>
 #include <strings.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <charconv>
 #include <cmath>
@@ -113,9 +116,9 @@ struct OwnMaterial {
 };
 
 // Formats without materials (PLY, STL) draw in white, as assimp reads them.
-std::unique_ptr<aiScene> MakeScene(std::vector<Part>& parts, std::vector<OwnMaterial> materials) {
+OwnScene MakeScene(std::vector<Part>& parts, std::vector<OwnMaterial> materials) {
   if (materials.empty()) materials.push_back({"", aiColor3D(1, 1, 1)});
-  auto scene = std::make_unique<aiScene>();
+  OwnScene scene(new aiScene());
   scene->mRootNode = new aiNode();
   // The scene frees its arrays only when their counts are not 0.
   if (!materials.empty()) scene->mMaterials = new aiMaterial*[materials.size()];
@@ -148,15 +151,16 @@ std::unique_ptr<aiScene> MakeScene(std::vector<Part>& parts, std::vector<OwnMate
       std::copy(part.uvs.begin(), part.uvs.end(), mesh->mTextureCoords[0]);
       mesh->mNumUVComponents[0] = 2;
     }
+    // Every face's corners in one block, owned by the first face: a block a
+    // face cost more than the reading. FreeOwnFaces undoes it.
     mesh->mFaces = new aiFace[part.sizes.size()];
-    size_t at = 0;
+    unsigned* block = new unsigned[part.corners.size()];
+    std::copy(part.corners.begin(), part.corners.end(), block);
     for (size_t f = 0; f < part.sizes.size(); f++) {
       aiFace& face = mesh->mFaces[mesh->mNumFaces++];
       face.mNumIndices = part.sizes[f];
-      face.mIndices = new unsigned[part.sizes[f]];
-      std::copy(part.corners.begin() + long(at), part.corners.begin() + long(at + part.sizes[f]),
-                face.mIndices);
-      at += part.sizes[f];
+      face.mIndices = block;
+      block += part.sizes[f];
     }
     scene->mRootNode->mMeshes[scene->mRootNode->mNumMeshes++] = scene->mNumMeshes;
     scene->mMeshes[scene->mNumMeshes++] = mesh;
@@ -348,8 +352,8 @@ void ReadMaterialLibrary(const std::string& path, std::vector<OwnMaterial>* out)
   }
 }
 
-std::unique_ptr<aiScene> ReadObj(const std::string& bytes, const std::string& folder, std::string* error,
-                                 const ReadProgress* progress) {
+OwnScene ReadObj(std::string_view bytes, const std::string& folder, std::string* error,
+                 const ReadProgress* progress) {
   Ticker ticker{progress, bytes.data(), (long long)bytes.size()};
   std::vector<aiVector3D> positions, uvs;
   size_t normals = 0;
@@ -528,7 +532,57 @@ struct PlyBody {
   }
 };
 
-std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error, const ReadProgress* progress) {
+// The common layouts of binary little-endian files, read without a value
+// at a time: float x, y and z among any other scalar properties, and faces
+// of one list of 8-bit counts and 32-bit indices. False when the element is
+// laid out otherwise; the general loop reads it then.
+bool FastVertices(const PlyElement& e, const int xyz[3], PlyBody* body, Part* part, Ticker* ticker) {
+  size_t stride = 0, at[3] = {0, 0, 0};
+  for (size_t i = 0; i < e.properties.size(); i++) {
+    const PlyProperty& p = e.properties[i];
+    if (p.countType != kNone) return false;
+    for (int k = 0; k < 3; k++)
+      if (xyz[k] == int(i)) {
+        if (p.type != kFloat32) return false;
+        at[k] = stride;
+      }
+    stride += size_t(PlySize(p.type));
+  }
+  // The caller has checked that the file holds count elements of stride bytes.
+  for (long long n = 0; n < e.count; n++, body->p += stride) {
+    ticker->Tick(body->p, 0);
+    float c[3];
+    for (int k = 0; k < 3; k++) memcpy(&c[k], body->p + at[k], 4);
+    part->vertices.emplace_back(c[0], c[1], c[2]);
+  }
+  return true;
+}
+
+bool FastFaces(const PlyElement& e, size_t vertexCount, PlyBody* body, Part* part, Ticker* ticker) {
+  if (e.properties.size() != 1 || e.properties[0].countType != kUint8 ||
+      (e.properties[0].type != kInt32 && e.properties[0].type != kUint32))
+    return false;
+  part->corners.reserve(size_t(e.count) * 3);
+  part->sizes.reserve(size_t(e.count));
+  for (long long n = 0; n < e.count; n++) {
+    ticker->Tick(body->p, part->sizes.size());
+    if (body->p >= body->end) return body->ok = false, true;
+    const unsigned count = static_cast<unsigned char>(*body->p++);
+    if (size_t(body->end - body->p) < 4ull * count) return body->ok = false, true;
+    // Indices are checked as unsigned: a negative int32 is out of range too.
+    for (unsigned k = 0; k < count; k++) {
+      uint32_t v;
+      memcpy(&v, body->p + 4 * k, 4);
+      if (v >= vertexCount) return body->ok = false, true;
+      if (count >= 3) part->corners.push_back(v);
+    }
+    if (count >= 3) part->sizes.push_back(count);
+    body->p += 4 * count;
+  }
+  return true;
+}
+
+OwnScene ReadPly(std::string_view bytes, std::string* error, const ReadProgress* progress) {
   Ticker ticker{progress, bytes.data(), (long long)bytes.size()};
   const char* data = bytes.data();
   const char* end = data + bytes.size();
@@ -604,6 +658,14 @@ std::unique_ptr<aiScene> ReadPly(const std::string& bytes, std::string* error, c
       }
       part.vertices.reserve(size_t(e.count));
       vertexCount = size_t(e.count);
+    }
+    if (format == 1 && vertex && FastVertices(e, xyz, &body, &part, &ticker)) continue;
+    if (format == 1 && face && FastFaces(e, vertexCount, &body, &part, &ticker)) {
+      if (!body.ok) {
+        *error = "element " + e.name + " is damaged or cut short";
+        return nullptr;
+      }
+      continue;
     }
     std::vector<long long> items;
     for (long long n = 0; n < e.count && body.ok; n++) {
@@ -689,7 +751,7 @@ struct StlBuilder {
     facets.insert(facets.end(), {normal, v[0], v[1], v[2]});
   }
 
-  std::unique_ptr<aiScene> Scene() {
+  OwnScene Scene() {
     std::vector<Part> parts(1);
     Joiner joiner;
     KeyIndex positions;
@@ -720,7 +782,7 @@ struct StlBuilder {
   }
 };
 
-std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error, const ReadProgress* progress) {
+OwnScene ReadStl(std::string_view bytes, std::string* error, const ReadProgress* progress) {
   Ticker ticker{progress, bytes.data(), (long long)bytes.size()};
   StlBuilder b;
   aiVector3D v[4];
@@ -777,9 +839,8 @@ std::unique_ptr<aiScene> ReadStl(const std::string& bytes, std::string* error, c
 
 }  // namespace
 
-std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
-                                           const std::string& folder, std::string* error,
-                                           const ReadProgress* progress) {
+OwnScene ReadOwnModelBytes(std::string_view bytes, const char* format, const std::string& folder,
+                           std::string* error, const ReadProgress* progress) {
   if (strcmp(format, "obj") == 0) return ReadObj(bytes, folder, error, progress);
   if (strcmp(format, "ply") == 0) return ReadPly(bytes, error, progress);
   if (strcmp(format, "stl") == 0) return ReadStl(bytes, error, progress);
@@ -787,7 +848,43 @@ std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char*
   return nullptr;
 }
 
-std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error, const ReadProgress* progress) {
+void FreeOwnFaces(aiScene* scene) {
+  for (unsigned m = 0; m < scene->mNumMeshes; m++) {
+    aiMesh* mesh = scene->mMeshes[m];
+    if (mesh->mFaces == nullptr) continue;
+    unsigned* block = mesh->mNumFaces > 0 ? mesh->mFaces[0].mIndices : nullptr;
+    for (unsigned f = 0; f < mesh->mNumFaces; f++) mesh->mFaces[f].mIndices = nullptr;
+    delete[] block;
+    delete[] mesh->mFaces;
+    mesh->mFaces = nullptr;
+    mesh->mNumFaces = 0;
+  }
+}
+
+void OwnSceneFree::operator()(aiScene* scene) const {
+  if (scene == nullptr) return;
+  FreeOwnFaces(scene);
+  delete scene;
+}
+
+// A regular file is mapped, not copied: its pages come straight from the
+// file cache. Anything else (a pipe, a device) is read.
+OwnScene ReadOwnModel(const char* path, std::string* error, const ReadProgress* progress) {
+  const int fd = open(path, O_RDONLY);
+  struct stat st;
+  if (fd >= 0 && fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0) {
+    void* map = mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+    close(fd);
+    if (map != MAP_FAILED) {
+      madvise(map, size_t(st.st_size), MADV_SEQUENTIAL);
+      OwnScene scene = ReadOwnModelBytes(std::string_view(static_cast<const char*>(map), size_t(st.st_size)),
+                                         Extension(path).c_str(), Folder(path), error, progress);
+      munmap(map, size_t(st.st_size));
+      return scene;
+    }
+  } else if (fd >= 0) {
+    close(fd);
+  }
   std::string bytes;
   if (!ReadFile(path, &bytes)) {
     *error = "cannot be read";

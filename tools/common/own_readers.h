@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 struct aiScene;
 
@@ -28,16 +29,23 @@ struct ReadProgress {
   void* user;
 };
 
+// Our scenes keep the corners of all faces of a mesh in one block, which
+// aiScene's own destructor cannot free: they are freed through this.
+struct OwnSceneFree {
+  void operator()(aiScene* scene) const;
+};
+using OwnScene = std::unique_ptr<aiScene, OwnSceneFree>;
+// Frees the faces of an own scene's meshes early, leaving the rest.
+void FreeOwnFaces(aiScene* scene);
+
 // Reads an OBJ, PLY or STL file (by its extension) into a scene of one mesh per
 // material. Null with a message in *error when the file is damaged or of
 // another format; never reads outside the file.
-std::unique_ptr<aiScene> ReadOwnModel(const char* path, std::string* error,
-                                      const ReadProgress* progress = nullptr);
+OwnScene ReadOwnModel(const char* path, std::string* error, const ReadProgress* progress = nullptr);
 
 // The same from bytes in memory; format is "obj", "ply" or "stl". folder is where
 // an OBJ's material library is looked for.
-std::unique_ptr<aiScene> ReadOwnModelBytes(const std::string& bytes, const char* format,
-                                           const std::string& folder, std::string* error,
-                                           const ReadProgress* progress = nullptr);
+OwnScene ReadOwnModelBytes(std::string_view bytes, const char* format, const std::string& folder,
+                           std::string* error, const ReadProgress* progress = nullptr);
 
 #endif
