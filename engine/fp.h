@@ -4,7 +4,9 @@
 #pragma once
 #include <stdint.h>
 
+#if defined(__SSE2__)
 #include <emmintrin.h>
+#endif
 
 #include <bit>
 
@@ -34,8 +36,15 @@ inline double Abs(double x) { return FromBits(Bits(x) & ~(uint64_t{1} << 63)); }
 
 inline double NaN() { return FromBits(kDefaultNaNBits); }
 
-// The SSE square root: correctly rounded, and never a libm call.
-inline double Sqrt(double x) { return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(x))); }
+// The correctly rounded square root: the SSE instruction on x86, never a
+// libm call; elsewhere the processor's own, which IEEE rounds alike.
+inline double Sqrt(double x) {
+#if defined(__SSE2__)
+  return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(x)));
+#else
+  return __builtin_sqrt(x);
+#endif
+}
 
 // Nearest integer, ties to even, in the current (nearest) mode: adding 2^52
 // pushes the fraction out of the significand. Magnitudes from 2^52 on, and
@@ -47,6 +56,16 @@ inline double RoundEven(double x) {
   return SignBit(x) ? -r : r;
 }
 
+// The nearest integer of x, ties to even, for |x| below 2^30: the one SSE2
+// conversion on x86, the rounding above elsewhere; the same integer.
+inline int32_t NearestInt(double x) {
+#if defined(__SSE2__)
+  return _mm_cvtsd_si32(_mm_set_sd(x));
+#else
+  return static_cast<int32_t>(RoundEven(x));
+#endif
+}
+
 // Largest integer not above x (x finite, or returned unchanged).
 inline double Floor(double x) {
   double r = RoundEven(x);
@@ -54,9 +73,7 @@ inline double Floor(double x) {
 }
 
 // x * 2^n for -1022 <= n <= 1023, exact unless the product over- or underflows.
-inline double Scale2(double x, int n) {
-  return x * FromBits(static_cast<uint64_t>(n + 1023) << 52);
-}
+inline double Scale2(double x, int n) { return x * FromBits(static_cast<uint64_t>(n + 1023) << 52); }
 
 // c[0] + c[1] z + ... + c[N-1] z^(N-1), by Horner's rule.
 template <int N>

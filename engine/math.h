@@ -3,9 +3,9 @@
 // extra precision is wanted, never the compiler's excess precision), so the
 // i386 and x86-64 libraries produce the same bits.
 #pragma once
-#include <emmintrin.h>
 #include <stdint.h>
 
+#include "engine/fp.h"
 #include "engine3d.h"
 
 namespace e3d {
@@ -19,14 +19,14 @@ inline constexpr float Epsilon = 0.0001f;
 // Float to integer, rounded to nearest (ties to even) as a 64-bit integer of
 // which the low 32 bits are kept: values beyond 32 bits wrap, never saturate.
 // The pixel paths convert all the time, so values well inside 32 bits take
-// the one SSE2 instruction, which rounds the same way; the rest, and NaN,
-// take the full routine.
+// one conversion (the SSE2 instruction on x86), which rounds the same way;
+// the rest, and NaN, take the full routine.
 int32_t FloatToIntWide(double x);
 inline int32_t FloatToInt(double x) {
   constexpr double kDirect = 1073741824.0;  // 2^30
-  return x > -kDirect && x < kDirect ? _mm_cvtsd_si32(_mm_set_sd(x)) : FloatToIntWide(x);
+  return x > -kDirect && x < kDirect ? fp::NearestInt(x) : FloatToIntWide(x);
 }
-int32_t FloatToInt32(double x);          // rounded in the current (nearest) mode
+int32_t FloatToInt32(double x);           // rounded in the current (nearest) mode
 int32_t FloatRoundAwayFromZero(float x);  // ceil for sign clear, floor for sign set
 int32_t FloatFloor(float x);
 

@@ -8,7 +8,11 @@
 
 // Keeps the compiler from turning a byte loop back into a call of the C
 // library's memset, memcpy or strlen.
+#if defined(__clang__)
+#define E3D_OWN_LOOPS __attribute__((no_builtin))
+#else
 #define E3D_OWN_LOOPS __attribute__((optimize("no-tree-loop-distribute-patterns")))
+#endif
 
 namespace e3d {
 

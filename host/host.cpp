@@ -1,6 +1,8 @@
 // Default host support library: the engine's only window on the outside world.
-#include <cpuid.h>
 #include <stdlib.h>
+#if defined(__x86_64__) || defined(__i386__)
+#include <cpuid.h>
+#endif
 
 #include "engine3d.h"
 
@@ -15,6 +17,7 @@ E3D_HOST_API int32_t E3D_CALL FreeMemory(void* block) {
   return 1;
 }
 
+#if defined(__x86_64__) || defined(__i386__)
 namespace {
 
 // XCR0: the register state the system saves on a switch.
@@ -41,3 +44,8 @@ E3D_HOST_API uint32_t E3D_CALL ProcessorGetType(void) {
     type |= E3D_CPU_AVX2;
   return type;
 }
+#else
+// Other processors have none of the x86 features the code names: the
+// engine keeps its portable spans.
+E3D_HOST_API uint32_t E3D_CALL ProcessorGetType(void) { return 0; }
+#endif

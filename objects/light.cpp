@@ -3,6 +3,7 @@
 // scenes' light lists, which keep the meshes' lists in step.
 #include "objects/light.h"
 
+#include "engine/fp.h"
 #include "engine/memory.h"
 #include "engine/registry.h"
 #include "objects/hierarchy.h"
@@ -46,7 +47,9 @@ Light* NewLight(const Vector3* position, const float* color, float intensity, ui
 // zero is kept).
 float ScaledComponent(float value) {
   double v = double(value) * double(0.0039215689f);
-  if (v < 0.0) v = 0.0;
+  // The sign bit tested as a bit: a compare and select that an ARM compiler
+  // would make a maximum instruction, which turns -0.0 into +0.0.
+  if (fp::SignBit(v) && v < 0.0) v = 0.0;
   if (v > 1.0) v = 1.0;
   return float(v);
 }
@@ -171,7 +174,9 @@ E3D_API void E3D_CALL SetLightStatus(Light* light, int32_t a, int32_t b) {
                       (a != 0 ? kLightEnabled : 0) | (b != 0 ? kLightAttenuated : 0);
 }
 
-E3D_API void E3D_CALL SetLightName(Light* light, const char* name) { CopyName(light->name, kLightNameSize, name); }
+E3D_API void E3D_CALL SetLightName(Light* light, const char* name) {
+  CopyName(light->name, kLightNameSize, name);
+}
 
 // Refused only when this scene holds the light: a light given to a second
 // scene is relinked there, and the first scene's list no longer reaches it.
@@ -179,8 +184,7 @@ E3D_API int32_t E3D_CALL AssignLightToScene(Scene* scene, Light* light, uint8_t 
   if (GetSceneLightIndex(scene, light) >= 0) return 0;
   ListAppend<&Light::prevLight, &Light::nextLight>(scene->firstLight, light);
   if (options & kOptionMeshLights)
-    ListEach<&Mesh::nextInScene>(scene->firstMesh,
-                                 [light](Mesh* mesh) { AssignLightToMesh(light, mesh); });
+    ListEach<&Mesh::nextInScene>(scene->firstMesh, [light](Mesh* mesh) { AssignLightToMesh(light, mesh); });
   return 1;
 }
 
@@ -188,7 +192,6 @@ E3D_API int32_t E3D_CALL AssignLightToScene(Scene* scene, Light* light, uint8_t 
 E3D_API int32_t E3D_CALL RemoveLightFromScene(Scene* scene, Light* light) {
   if (GetSceneLightIndex(scene, light) < 0) return 0;
   ListUnlink<&Light::prevLight, &Light::nextLight>(scene->firstLight, light);
-  ListEach<&Mesh::nextInScene>(scene->firstMesh,
-                               [light](Mesh* mesh) { RemoveLightFromMesh(light, mesh); });
+  ListEach<&Mesh::nextInScene>(scene->firstMesh, [light](Mesh* mesh) { RemoveLightFromMesh(light, mesh); });
   return 1;
 }

@@ -103,10 +103,10 @@ struct SpanArgs {
   uint16_t* pixels;  // the scanline's row of pixels
   uint32_t* depth;   // its row of the depth buffer (bodies with kDepth)
   int32_t y;
-  int32_t left;        // first column
-  int32_t right;       // end column, exclusive; always above left
-  const double* attr;  // the interpolated values at column left
-  const double* dx;    // their change per column
+  int32_t left;            // first column
+  int32_t right;           // end column, exclusive; always above left
+  const double* attr;      // the interpolated values at column left
+  const double* dx;        // their change per column
   const int64_t* dxFixed;  // dx in 16.16, rounded (bodies with kFixedSteps)
 };
 
@@ -121,7 +121,7 @@ inline int64_t RoundFixed16(double v) {
   constexpr double kLimit = 1099511627776.0;  // 2^40: far beyond any channel
   constexpr double kDirect = 1073741824.0;    // 2^30: one conversion, same rounding
   v *= 65536.0;
-  if (v > -kDirect && v < kDirect) return _mm_cvtsd_si32(_mm_set_sd(v));
+  if (v > -kDirect && v < kDirect) return fp::NearestInt(v);
   if (!(v > -kLimit)) v = -kLimit;
   if (v > kLimit) v = kLimit;
   return static_cast<int64_t>(fp::RoundEven(v));

@@ -4,6 +4,7 @@
 #include <windows.h>
 #else
 #include <signal.h>
+#include <ucontext.h>
 #endif
 
 #include <cmath>
@@ -95,12 +96,21 @@ struct TrapCounter {
   ~TrapCounter() { RemoveVectoredExceptionHandler(handler); }
 };
 #else
-void CountTrap(int) { traps = traps + 1; }
+// x86 reports the trap past its instruction; ARM at it, so the handler steps on.
+void CountTrap(int, siginfo_t*, void* context) {
+  traps = traps + 1;
+#if defined(__aarch64__)
+  static_cast<ucontext_t*>(context)->uc_mcontext.pc += 4;
+#else
+  (void)context;
+#endif
+}
 struct TrapCounter {
   struct sigaction old {};
   TrapCounter() {
     struct sigaction on {};
-    on.sa_handler = CountTrap;
+    on.sa_sigaction = CountTrap;
+    on.sa_flags = SA_SIGINFO;
     sigemptyset(&on.sa_mask);
     sigaction(SIGTRAP, &on, &old);
   }

@@ -1,12 +1,13 @@
 #!/bin/sh
-# Builds and runs every test in the five builds: x86-64, i386, x86-64 with
-# AddressSanitizer and UndefinedBehaviorSanitizer, and the 32-bit and 64-bit
+# Builds and runs every test in the six builds: x86-64, i386, x86-64 with
+# AddressSanitizer and UndefinedBehaviorSanitizer, the 32-bit and 64-bit
 # Windows DLLs (cross-built; the 64-bit tests run under Wine, the 32-bit ones
-# where 32-bit Wine is installed).
+# where 32-bit Wine is installed) and 64-bit ARM (cross-built with clang,
+# tests under qemu-user).
 set -eu
 cd "$(dirname "$0")/.."
 tools/setup-deps.sh
-presets=${E3D_PRESETS:-"x64 i386 asan win32 win64"}
+presets=${E3D_PRESETS:-"x64 i386 asan win32 win64 arm64"}
 for preset in $presets; do
   echo "=== $preset ==="
   cmake --preset "$preset" > /dev/null

@@ -39,8 +39,7 @@ using namespace e3d;
 
 // Refused whole when it reaches past the right or bottom edge; otherwise
 // clamped into the viewport on the left and top. Order is not checked.
-E3D_API void E3D_CALL SetViewportScissor(Viewport* vp, float left, float right, float top,
-                                         float bottom) {
+E3D_API void E3D_CALL SetViewportScissor(Viewport* vp, float left, float right, float top, float bottom) {
   if (IsPositive(bottom - vp->height) || IsPositive(right - vp->width)) return;
   // A NaN left or top counts as beyond the size: no bound may be a NaN,
   // or the clipper would let everything through on that side.
@@ -58,17 +57,21 @@ E3D_API void E3D_CALL SetViewportScissor(Viewport* vp, float left, float right, 
 E3D_API void E3D_CALL SetViewportBorderHeight(Viewport* vp, int32_t rows) {
   if (!BorderFits(vp, rows)) return;
   SetBorder(vp, rows);
-  vp->aspect = static_cast<float>(static_cast<double>(vp->width) /
-                                  (2.0 * rows - static_cast<double>(vp->height)));
+  vp->aspect =
+      static_cast<float>(static_cast<double>(vp->width) / (2.0 * rows - static_cast<double>(vp->height)));
 }
 
 // Stops in the debugger first, as it always has: hosts rely on the trap.
+// Each processor's own breakpoint; WebAssembly has none, and goes on.
 // A picture taller than the viewport is refused.
 E3D_API void E3D_CALL SetViewportAspect(Viewport* vp, float aspect) {
+#if defined(__x86_64__) || defined(__i386__)
   __asm__ volatile("int3");
-  int32_t rows = FloatToInt((static_cast<double>(vp->height) -
-                             static_cast<double>(vp->width) / static_cast<double>(aspect)) *
-                            0.5);
+#elif defined(__aarch64__)
+  __asm__ volatile("brk #0xf000");
+#endif
+  int32_t rows = FloatToInt(
+      (static_cast<double>(vp->height) - static_cast<double>(vp->width) / static_cast<double>(aspect)) * 0.5);
   if (!BorderFits(vp, rows)) return;
   SetBorder(vp, rows);
   vp->aspect = -aspect;
@@ -78,9 +81,7 @@ E3D_API void E3D_CALL SetViewportAspect(Viewport* vp, float aspect) {
 // apply, and rows are width entries apart. No depth buffer is a host error.
 E3D_API void E3D_CALL ClearViewportDepthBuffer(Viewport* vp, uint32_t value) {
   double width = vp->width;
-  int32_t count =
-      FloatToInt((static_cast<double>(vp->scissorBottom) - vp->scissorTop) * width);
+  int32_t count = FloatToInt((static_cast<double>(vp->scissorBottom) - vp->scissorTop) * width);
   int32_t start = FloatToInt(static_cast<float>(FloatToInt(vp->scissorTop)) * width);
-  if (count > 0)
-    MemoryFill32(vp->depthBuffer + start, value, static_cast<uint32_t>(count) * 4);
+  if (count > 0) MemoryFill32(vp->depthBuffer + start, value, static_cast<uint32_t>(count) * 4);
 }
