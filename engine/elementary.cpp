@@ -14,9 +14,8 @@ constexpr double kSixthPi = 0x1.0c152382d7366p-1;
 constexpr double kTanTwelfthPi = 0x1.126145e9ecd56p-2;  // 2 - sqrt(3)
 
 // atan of |u| <= 2 - sqrt(3): the odd series to u^29.
-constexpr double kAtan[] = {1.0 / 3,  -1.0 / 5,  1.0 / 7,  -1.0 / 9,  1.0 / 11,
-                            -1.0 / 13, 1.0 / 15,  -1.0 / 17, 1.0 / 19, -1.0 / 21,
-                            1.0 / 23,  -1.0 / 25, 1.0 / 27,  -1.0 / 29};
+constexpr double kAtan[] = {1.0 / 3,   -1.0 / 5, 1.0 / 7,   -1.0 / 9, 1.0 / 11,  -1.0 / 13, 1.0 / 15,
+                            -1.0 / 17, 1.0 / 19, -1.0 / 21, 1.0 / 23, -1.0 / 25, 1.0 / 27,  -1.0 / 29};
 
 double AtanKernel(double u) {
   double z = u * u;
@@ -66,11 +65,16 @@ double LogReduced(double x, int* exponent) {
 
 // The special values shared by the logarithms; true when *out is the answer.
 bool LogSpecial(double x, double* out) {
-  if (fp::IsNaN(x)) *out = x;
-  else if (x < 0.0) *out = fp::NaN();
-  else if (x == 0.0) *out = -fp::kInf;
-  else if (x == fp::kInf) *out = x;
-  else return false;
+  if (fp::IsNaN(x))
+    *out = x;
+  else if (x < 0.0)
+    *out = fp::NaN();
+  else if (x == 0.0)
+    *out = -fp::kInf;
+  else if (x == fp::kInf)
+    *out = x;
+  else
+    return false;
   return true;
 }
 
@@ -104,8 +108,10 @@ double AtanD(double x) {
   bool inverted = a > 1.0;
   if (inverted) a = 1.0 / a;
   double r;
-  if (a > kTanTwelfthPi) r = kSixthPi + AtanKernel((a * kSqrt3 - 1.0) / (a + kSqrt3));
-  else r = AtanKernel(a);
+  if (a > kTanTwelfthPi)
+    r = kSixthPi + AtanKernel((a * kSqrt3 - 1.0) / (a + kSqrt3));
+  else
+    r = AtanKernel(a);
   if (inverted) r = fp::kHalfPi - r;
   return fp::SignBit(x) ? -r : r;
 }
@@ -164,7 +170,7 @@ float Exp(float x) { return static_cast<float>(ExpD(x)); }
 float Log(float x) { return static_cast<float>(LogD(x)); }
 
 float Pow(float x, float y) {
-  if (std::bit_cast<uint32_t>(y) == 0) return 1.0f;
+  if (__builtin_bit_cast(uint32_t, y) == 0) return 1.0f;
   double magnitude = Exp2D(y * Log2D(fp::Abs(x)));
   // A negative base keeps the sign only for an odd integral exponent; a
   // fractional exponent takes the magnitude rather than giving no number.

@@ -26,10 +26,10 @@ inline constexpr double kLn2Hi = 0x1.62e42fee00000p-1;  // 32 bits: n * kLn2Hi i
 inline constexpr double kLn2Lo = 0x1.a39ef35793c76p-33;
 inline constexpr double kLog2E = 0x1.71547652b82fep+0;
 
-inline uint64_t Bits(double x) { return std::bit_cast<uint64_t>(x); }
-inline double FromBits(uint64_t b) { return std::bit_cast<double>(b); }
+inline uint64_t Bits(double x) { return __builtin_bit_cast(uint64_t, x); }
+inline double FromBits(uint64_t b) { return __builtin_bit_cast(double, b); }
 inline bool SignBit(double x) { return (Bits(x) >> 63) != 0; }
-inline bool SignBit(float x) { return (std::bit_cast<uint32_t>(x) >> 31) != 0; }
+inline bool SignBit(float x) { return (__builtin_bit_cast(uint32_t, x) >> 31) != 0; }
 inline bool IsNaN(double x) { return x != x; }
 inline bool IsFinite(double x) { return (Bits(x) & (uint64_t{0x7FF} << 52)) != (uint64_t{0x7FF} << 52); }
 inline double Abs(double x) { return FromBits(Bits(x) & ~(uint64_t{1} << 63)); }

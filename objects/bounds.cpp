@@ -15,10 +15,10 @@ struct VertexNormal {
 
 // The scratch blocks of one normal computation.
 struct NormalScratch {
-  Vector3* sums;          // three per polygon slot at most
-  VertexNormal* seen;     // one per vertex at most
-  uint32_t* groups;       // sort keys: smoothing group of each slot
-  uint32_t* order;        // slots by ascending group, slot order within one
+  Vector3* sums;       // three per polygon slot at most
+  VertexNormal* seen;  // one per vertex at most
+  uint32_t* groups;    // sort keys: smoothing group of each slot
+  uint32_t* order;     // slots by ascending group, slot order within one
 
   bool Allocate(int32_t vertexCount, int32_t polygonCount) {
     sums = e3d::Allocate<Vector3>(3 * uint32_t(polygonCount));
@@ -113,8 +113,8 @@ int32_t SumGroupNormalsIndexed(Mesh* mesh, NormalScratch* s) {
 // The new minimum and maximum are taken on the sign of the difference: a
 // zero difference, of either sign, keeps the old value.
 void Widen(float value, float* lo, float* hi) {
-  const uint32_t below = std::bit_cast<uint32_t>(value - *lo);
-  const uint32_t above = std::bit_cast<uint32_t>(value - *hi);
+  const uint32_t below = __builtin_bit_cast(uint32_t, value - *lo);
+  const uint32_t above = __builtin_bit_cast(uint32_t, value - *hi);
   if (int32_t(below) < 0 && below != 0x80000000u) *lo = value;
   if (int32_t(above) > 0) *hi = value;
 }
@@ -171,9 +171,8 @@ E3D_API Mesh* E3D_CALL CreateAABB(Mesh* mesh) {
   }
   Mesh* box = CreateMesh(8, 12, 0xFFFFFF);
   if (box == nullptr) return nullptr;
-  const Vector3 corners[8] = {{lo.x, hi.y, lo.z}, {hi.x, hi.y, lo.z}, {hi.x, lo.y, lo.z},
-                              {lo.x, lo.y, lo.z}, {lo.x, hi.y, hi.z}, {hi.x, hi.y, hi.z},
-                              {hi.x, lo.y, hi.z}, {lo.x, lo.y, hi.z}};
+  const Vector3 corners[8] = {{lo.x, hi.y, lo.z}, {hi.x, hi.y, lo.z}, {hi.x, lo.y, lo.z}, {lo.x, lo.y, lo.z},
+                              {lo.x, hi.y, hi.z}, {hi.x, hi.y, hi.z}, {hi.x, lo.y, hi.z}, {lo.x, lo.y, hi.z}};
   for (int32_t i = 0; i < 8; i++) SetMeshVertex(box, i, corners[i].x, corners[i].y, corners[i].z);
   for (int32_t f = 0; f < 6; f++) {
     const int32_t* q = kBoxQuads[f];

@@ -46,14 +46,14 @@ struct SignedKeys {
 
 struct FloatKeys {
   const float* keys;
-  uint32_t Bits(uint32_t i) const { return std::bit_cast<uint32_t>(keys[i]); }
+  uint32_t Bits(uint32_t i) const { return __builtin_bit_cast(uint32_t, keys[i]); }
   // An unordered pair (a NaN) counts as out of order.
   bool OutOfOrder(uint32_t a, uint32_t b) const { return !(keys[b] >= keys[a]); }
 };
 
 struct RecordKeys {
   const PolygonRecord* records;
-  uint32_t Bits(uint32_t i) const { return std::bit_cast<uint32_t>(records[i].depthKey); }
+  uint32_t Bits(uint32_t i) const { return __builtin_bit_cast(uint32_t, records[i].depthKey); }
 };
 
 // The list never shrinks.
@@ -125,10 +125,10 @@ void ComputeOffsets(const uint32_t* h) {
 // the key again, and the one key read that remains per pass no longer lies
 // on the path to the store.
 enum class Words {
-  Plain,      // plain indexes in and out
-  PackOut,    // plain in; index and next byte out
-  Packed,     // index and byte in; index and next byte out
-  UnpackOut   // index and byte in; plain indexes out
+  Plain,     // plain indexes in and out
+  PackOut,   // plain in; index and next byte out
+  Packed,    // index and byte in; index and next byte out
+  UnpackOut  // index and byte in; plain indexes out
 };
 inline constexpr uint32_t kPackedIndexMask = 0xFFFFFF;
 inline constexpr uint32_t kPackedMaxCount = kPackedIndexMask + 1;
@@ -136,8 +136,8 @@ inline constexpr uint32_t kPackedMaxCount = kPackedIndexMask + 1;
 // One distribution pass over byte position `byte`, from src into dst;
 // `next` is the byte position of the following pass, for packed words.
 template <Layout kLayout, Words kWords, class Keys>
-void Distribute(const Keys& keys, uint32_t byte, uint32_t next, const uint32_t* src,
-                uint32_t* dst, uint32_t count) {
+void Distribute(const Keys& keys, uint32_t byte, uint32_t next, const uint32_t* src, uint32_t* dst,
+                uint32_t count) {
   constexpr bool kPackedIn = kWords == Words::Packed || kWords == Words::UnpackOut;
   constexpr bool kPackedOut = kWords == Words::PackOut || kWords == Words::Packed;
   ComputeOffsets<kLayout>(radixHistograms[byte]);
@@ -172,8 +172,8 @@ void Distribute(const Keys& keys, uint32_t byte, uint32_t next, const uint32_t* 
 }
 
 template <Layout kLayout, class Keys>
-void DistributeWords(Words words, const Keys& keys, uint32_t byte, uint32_t next,
-                     const uint32_t* src, uint32_t* dst, uint32_t count) {
+void DistributeWords(Words words, const Keys& keys, uint32_t byte, uint32_t next, const uint32_t* src,
+                     uint32_t* dst, uint32_t count) {
   switch (words) {
     case Words::Plain:
       return Distribute<kLayout, Words::Plain>(keys, byte, next, src, dst, count);
@@ -257,11 +257,10 @@ E3D_API int32_t E3D_CALL ResetRadixSort(int32_t count, uint32_t* indexList) {
 E3D_API void E3D_CALL RadixLongSorter(int32_t count, const void* keys, uint32_t* indexList,
                                       int32_t signedKeys) {
   if (signedKeys)
-    RadixSort<Layout::Signed, Start::Kept>(SignedKeys{static_cast<const int32_t*>(keys)}, count,
-                                           indexList);
+    RadixSort<Layout::Signed, Start::Kept>(SignedKeys{static_cast<const int32_t*>(keys)}, count, indexList);
   else
-    RadixSort<Layout::Unsigned, Start::Kept>(UnsignedKeys{static_cast<const uint32_t*>(keys)},
-                                             count, indexList);
+    RadixSort<Layout::Unsigned, Start::Kept>(UnsignedKeys{static_cast<const uint32_t*>(keys)}, count,
+                                             indexList);
 }
 
 E3D_API void E3D_CALL RadixFloatSorter(int32_t count, const float* keys, uint32_t* indexList) {

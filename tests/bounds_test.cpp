@@ -106,7 +106,8 @@ TEST_F(BoundsTest, BoxCornersFacesAndMaterial) {
   ASSERT_TRUE(box->vertexCount == 8 && box->meshPolygonCount == 12);
   for (int i = 0; i < 8; i++)
     EXPECT_TRUE(box->vertices[i].x == corners[i][0] && box->vertices[i].y == corners[i][1] &&
-                box->vertices[i].z == corners[i][2]) << i;
+                box->vertices[i].z == corners[i][2])
+        << i;
   // Each face a quad in its own group, drawn as wire with the diagonal hidden.
   EXPECT_TRUE(box->polygons[6].polygonFlags == 0x00703C47u && box->polygons[7].polygonFlags == 0x00703647u);
   EXPECT_EQ(box->meshFlags, 0x300021u);
@@ -123,7 +124,7 @@ TEST_F(BoundsTest, BoxCornersFacesAndMaterial) {
   DeleteMesh(box);
   point->vertexCount = 2;
   box = CreateAABB(point);
-  EXPECT_EQ(std::bit_cast<uint32_t>(box->vertices[0].x), 0u);
+  EXPECT_EQ(__builtin_bit_cast(uint32_t, box->vertices[0].x), 0u);
   DeleteMesh(box);
   DeleteMesh(point);
   DeleteMesh(mesh);

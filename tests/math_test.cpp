@@ -1,25 +1,26 @@
 // Arithmetic primitives: conversions, elementary functions against libm's
 // double functions (the only place libm is used), vectors and matrices.
+#include "engine/math.h"
+
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
 
-#include <gtest/gtest.h>
-
-#include "engine/math.h"
 #include "engine3d.h"
 
 namespace {
 
 using namespace e3d;
 
-uint32_t BitsOf(float f) { return std::bit_cast<uint32_t>(f); }
+uint32_t BitsOf(float f) { return __builtin_bit_cast(uint32_t, f); }
 
 // Distance in units in the last place; 0 for two NaNs, huge for one.
 int64_t UlpDistance(float a, float b) {
   if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b) ? 0 : INT64_MAX;
   auto ordered = [](float f) {
-    int32_t i = std::bit_cast<int32_t>(f);
+    int32_t i = __builtin_bit_cast(int32_t, f);
     return i >= 0 ? int64_t{i} : -int64_t{i & 0x7FFFFFFF};
   };
   return std::llabs(ordered(a) - ordered(b));
@@ -39,7 +40,7 @@ struct Random {
   }
   float AnyFinite() {
     for (;;) {
-      float f = std::bit_cast<float>(Next());
+      float f = __builtin_bit_cast(float, Next());
       if (std::isfinite(f)) return f;
     }
   }
@@ -48,15 +49,19 @@ struct Random {
 // Small, large and arbitrary finite arguments, mixed.
 float Angle(Random& r) {
   switch (r.Next() % 3) {
-    case 0: return r.Uniform(-10.0f, 10.0f);
-    case 1: return r.Uniform(-20000.0f, 20000.0f);
+    case 0:
+      return r.Uniform(-10.0f, 10.0f);
+    case 1:
+      return r.Uniform(-20000.0f, 20000.0f);
 #if defined(_WIN32)
     // Windows' C library reduces huge arguments inexactly, so its sin and cos
     // are a reference only on a bounded range; the digest test holds our bits
     // there equal to the other builds'.
-    default: return r.Uniform(-1e6f, 1e6f);
+    default:
+      return r.Uniform(-1e6f, 1e6f);
 #else
-    default: return r.AnyFinite();
+    default:
+      return r.AnyFinite();
 #endif
   }
 }
@@ -73,9 +78,19 @@ float ExpRange(Random& r) { return r.Uniform(-104.0f, 89.0f); }
 TEST(Convert, RoundToEvenAndWrapNotSaturate) {
   // Ties to even; beyond 32 bits the low half of the 64-bit integer; beyond
   // 64 bits, and NaN, the unit's 0x8000000000000000, whose low half is 0.
-  const struct { double in; int32_t out; } cases[] = {
-      {2.5, 2}, {3.5, 4}, {-2.5, -2}, {0.49999997f, 0}, {2147483648.0, INT32_MIN},
-      {-2147483649.0, INT32_MAX}, {1e10, 1410065408}, {8589934591.0, -1}, {1e30, 0}, {NAN, 0}};
+  const struct {
+    double in;
+    int32_t out;
+  } cases[] = {{2.5, 2},
+               {3.5, 4},
+               {-2.5, -2},
+               {0.49999997f, 0},
+               {2147483648.0, INT32_MIN},
+               {-2147483649.0, INT32_MAX},
+               {1e10, 1410065408},
+               {8589934591.0, -1},
+               {1e30, 0},
+               {NAN, 0}};
   for (const auto& c : cases) EXPECT_EQ(FloatToInt(c.in), c.out) << c.in;
   Random random;
   for (int i = 0; i < 100000; i++) {
@@ -141,8 +156,8 @@ TEST(Elementary, AccurateEverywhere) {
 
 TEST(Elementary, SpecialValuesAndPowSigns) {
   EXPECT_EQ(Atan2(-1.0f, -0.0f), -Pi);
-  EXPECT_EQ(Hypot(3e30f, 4e30f), 5e30f);  // no overflow of the squares
-  EXPECT_EQ(Pow(-2.0f, 3.0f), -8.0f);  // odd: negative
+  EXPECT_EQ(Hypot(3e30f, 4e30f), 5e30f);                       // no overflow of the squares
+  EXPECT_EQ(Pow(-2.0f, 3.0f), -8.0f);                          // odd: negative
   EXPECT_EQ(Pow(-8.0f, 1.0f / 3.0f), Pow(8.0f, 1.0f / 3.0f));  // |x|^y, not a NaN
   EXPECT_EQ(Pow(-10.0f, 41.0f), -INFINITY);
   EXPECT_EQ(Pow(NAN, 0.0f), 1.0f);            // a +0.0 exponent comes first
@@ -159,9 +174,9 @@ TEST(Elementary, SameBitsOnEveryBuild) {
   for (int i = 0; i < 20000; i++) {
     float a = random.Uniform(-100.0f, 100.0f), u = random.Uniform(-1.0f, 1.0f);
     float big = random.AnyFinite();
-    for (float f : {Sin(a), Cos(a), Tan(a), Sin(big), Cos(big), SinDeg(a), CosDeg(a), TanDeg(a),
-                    Atan(a), Atan2(a, u), Asin(u), Acos(u), AtanDeg(big), Exp(a),
-                    Log(std::fabs(big)), Pow(std::fabs(a), u * 8), Sqrt(a)})
+    for (float f :
+         {Sin(a), Cos(a), Tan(a), Sin(big), Cos(big), SinDeg(a), CosDeg(a), TanDeg(a), Atan(a), Atan2(a, u),
+          Asin(u), Acos(u), AtanDeg(big), Exp(a), Log(std::fabs(big)), Pow(std::fabs(a), u * 8), Sqrt(a)})
       mix(f);
     // Mixed as bits: an integer seen as a float may be a signalling NaN,
     // which an unoptimised i386 build quiets when it returns the float.
@@ -174,7 +189,7 @@ constexpr uint32_t kPoison = 0xCDCDCDCDu;
 
 Matrix34 Poisoned() {
   Matrix34 m;
-  for (float& e : m.m) e = std::bit_cast<float>(kPoison);
+  for (float& e : m.m) e = __builtin_bit_cast(float, kPoison);
   return m;
 }
 

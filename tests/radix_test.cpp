@@ -1,3 +1,5 @@
+#include "pipeline/radix.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdint>
@@ -5,7 +7,6 @@
 #include <vector>
 
 #include "engine3d.h"
-#include "pipeline/radix.h"
 #include "support/test_host.h"
 
 namespace {
@@ -48,7 +49,7 @@ class Radix : public testhost::LeakCheckedTest {
 
 TEST_F(Radix, OrderOfFloatAndIntegerKeys) {
   // -0.0 sorts among the negatives, last of them; +0.0 before every positive.
-  const float tiny = std::bit_cast<float>(1u);
+  const float tiny = __builtin_bit_cast(float, 1u);
   const std::vector<float> keys = {1e30f, 0.0f, -tiny, tiny, -0.0f, -1e30f, 1.0f, -1.0f};
   EXPECT_EQ(Records(keys), (List{5, 7, 2, 4, 1, 3, 6, 0}));
   // Signed keys order when non-negative or sharing the top byte.
@@ -59,9 +60,10 @@ TEST_F(Radix, OrderOfFloatAndIntegerKeys) {
   // Other negative keys are placed past the negative count; nothing may land
   // outside either list, whichever pass the top byte takes. Exact-sized lists
   // let ASan see any overrun.
-  for (const std::vector<uint32_t>& bits : {std::vector<uint32_t>{0xF0000000, 0xE0000000, 0xD0000000, 0xC0000000},
-                                            {0xF0000001, 0xE0000002, 0xD0000000, 0x80000003},
-                                            {0xEFFFFFFF, 0x20000000, 0xCFFFFFFD, 0x40000002, 0xFFFFFFF9}}) {
+  for (const std::vector<uint32_t>& bits :
+       {std::vector<uint32_t>{0xF0000000, 0xE0000000, 0xD0000000, 0xC0000000},
+        {0xF0000001, 0xE0000002, 0xD0000000, 0x80000003},
+        {0xEFFFFFFF, 0x20000000, 0xCFFFFFFD, 0x40000002, 0xFFFFFFF9}}) {
     const int32_t n = static_cast<int32_t>(bits.size());
     auto* list = new uint32_t[n];
     for (int32_t i = 0; i < n; ++i) list[i] = static_cast<uint32_t>(i);
@@ -86,7 +88,7 @@ TEST_F(Radix, OrderedListIsLeftAlone) {
   const List kept = {2, 0, 1, 3};
   EXPECT_EQ(Floats({-1.0f, -1.0f, -4.0f, 8.0f}, kept), kept);
   // A NaN never compares in order: the list is sorted by bit pattern.
-  EXPECT_EQ(Floats({1.0f, std::bit_cast<float>(0x7FC00000u), 2.0f}, Identity(3)), (List{0, 2, 1}));
+  EXPECT_EQ(Floats({1.0f, __builtin_bit_cast(float, 0x7FC00000u), 2.0f}, Identity(3)), (List{0, 2, 1}));
   List untouched = {9, 9};
   RadixFloatSorter(0, nullptr, untouched.data());
   EXPECT_EQ(untouched, (List{9, 9}));
@@ -121,7 +123,7 @@ TEST_F(Radix, MatchesStableSort) {
     for (uint32_t i = 0; i < n; ++i) {
       bits[i] = rng() % range;
       ints[i] = static_cast<int32_t>(bits[i] >> 1);
-      floats[i] = std::bit_cast<float>(bits[i] % 0x7F800000u);
+      floats[i] = __builtin_bit_cast(float, bits[i] % 0x7F800000u);
     }
     List start(n);
     for (uint32_t i = 0; i < n; ++i) start[i] = i;
@@ -137,12 +139,15 @@ TEST_F(Radix, MatchesStableSort) {
     EXPECT_EQ(Records(floats), expect(floats, Identity(n))) << "records, round " << round;
 
     // Mixed signs (one of each, so the top-byte pass runs): ascending by value.
-    for (float& f : floats) f = std::bit_cast<float>(static_cast<uint32_t>(rng()) & 0xFF7FFFFFu);
+    for (float& f : floats) f = __builtin_bit_cast(float, static_cast<uint32_t>(rng()) & 0xFF7FFFFFu);
     floats[0] = 1.0f;
     floats[n - 1] = -1.0f;
-    const auto byValue = [&](uint32_t a, uint32_t b) { return floats[a] < floats[b]; };
-    EXPECT_TRUE(std::ranges::is_sorted(Records(floats), byValue)) << "mixed, round " << round;
-    EXPECT_TRUE(std::ranges::is_sorted(Floats(floats, start), byValue)) << "mixed, round " << round;
+    const auto sorted = [&](const List& list) {
+      return std::is_sorted(list.begin(), list.end(),
+                            [&](uint32_t a, uint32_t b) { return floats[a] < floats[b]; });
+    };
+    EXPECT_TRUE(sorted(Records(floats))) << "mixed, round " << round;
+    EXPECT_TRUE(sorted(Floats(floats, start))) << "mixed, round " << round;
   }
 }
 

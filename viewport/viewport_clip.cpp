@@ -12,9 +12,9 @@ namespace {
 
 // Sign tests on the bit pattern. -0.0 is neither positive nor negative; a
 // NaN counts by its sign bit.
-inline bool IsPositive(float x) { return std::bit_cast<int32_t>(x) > 0; }
+inline bool IsPositive(float x) { return __builtin_bit_cast(int32_t, x) > 0; }
 inline bool IsNegative(float x) {
-  uint32_t bits = std::bit_cast<uint32_t>(x);
+  uint32_t bits = __builtin_bit_cast(uint32_t, x);
   return (bits & 0x80000000u) != 0 && (bits & 0x7FFFFFFFu) != 0;
 }
 
