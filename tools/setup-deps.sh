@@ -10,8 +10,9 @@ need="$need g++-mingw-w64-i686 g++-mingw-w64-x86-64 wine wine64"
 # which would remove g++-multilib), and qemu-user for the tests.
 need="$need clang libstdc++-12-dev-arm64-cross libgcc-12-dev-arm64-cross libc6-dev-arm64-cross"
 need="$need binutils-aarch64-linux-gnu qemu-user"
-# WebAssembly: Debian's emscripten; the tests run under node.
-need="$need emscripten"
+# WebAssembly: Debian's emscripten; the tests run under node, the page's test
+# in headless Chromium.
+need="$need emscripten chromium"
 missing=""
 for p in $need; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
