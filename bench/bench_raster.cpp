@@ -1,7 +1,6 @@
 // The drawers on their own: full-target fill against plain stores (W2),
 // many small triangles (W3), and the full-screen effects.
 #include <benchmark/benchmark.h>
-
 #include <immintrin.h>
 
 #include <algorithm>
@@ -29,7 +28,7 @@ __attribute__((noinline)) void MemsetFill(uint16_t* pixels, int width, int heigh
 }
 
 __attribute__((noinline, target("avx2"))) void Avx2Fill(uint16_t* pixels, int width, int height,
-                                                       uint16_t color) {
+                                                        uint16_t color) {
   const __m256i c = _mm256_set1_epi16(static_cast<int16_t>(color));
   for (int y = 0; y < height; ++y) {
     uint16_t* row = pixels + size_t(y) * width;
@@ -68,7 +67,8 @@ void W2Fill(benchmark::State& state) {
     drawer += t1 - t0;
     for (int k = 0; k < 3; ++k) {
       const double start = ThreadSeconds();
-      for (int i = 0; i < kPasses; ++i) references[k](target.pixels(), target.width(), target.height(), 0x7F7F);
+      for (int i = 0; i < kPasses; ++i)
+        references[k](target.pixels(), target.width(), target.height(), 0x7F7F);
       benchmark::ClobberMemory();
       spent[k] += ThreadSeconds() - start;
     }
@@ -86,25 +86,10 @@ void W2Fill(benchmark::State& state) {
 // DrawTriangle2D.
 void W3Small(benchmark::State& state) {
   constexpr int kTriangles = 100000;
-  constexpr float kPi = 3.14159265f;
   Target target(640, 480, false);
-  std::mt19937 random(12345);
-  std::uniform_real_distribution<float> unit(0.0f, 1.0f);
-  std::vector<MeshVertex> vertices;
-  std::vector<MeshPolygon> faces;
-  for (int i = 0; i < kTriangles; ++i) {
-    const float cx = 12 + unit(random) * float(target.width() - 24);
-    const float cy = 12 + unit(random) * float(target.height() - 24);
-    const float a = unit(random) * 2 * kPi, b = a + (1 + unit(random)) * kPi / 3;
-    const float r1 = 3 + 3 * unit(random), r2 = 3 + 3 * unit(random);
-    const float area = 0.5f * r1 * r2 * std::sin(b - a);
-    const float scale = std::sqrt((8 + 4 * unit(random)) / area);
-    const int32_t first = int32_t(vertices.size());
-    vertices.push_back(ScreenVertex(cx, cy));
-    vertices.push_back(ScreenVertex(cx + scale * r1 * std::cos(a), cy + scale * r1 * std::sin(a)));
-    vertices.push_back(ScreenVertex(cx + scale * r2 * std::cos(b), cy + scale * r2 * std::sin(b)));
-    faces.push_back(MakeFace(target.material(), uint16_t(random() & 0x7FFF), first, first + 2, first + 1));
-  }
+  TriangleSet set = SmallTriangles(target, kTriangles, 12345);
+  std::vector<MeshVertex>& vertices = set.vertices;
+  std::vector<MeshPolygon>& faces = set.faces;
   for (MeshPolygon& face : faces) DrawTriangle2D(&face, vertices.data(), target.viewport());
   if (target.CountPixels(0) > int64_t(target.width()) * target.height() / 2) {
     state.SkipWithError("the small triangles draw too little");
@@ -144,5 +129,13 @@ void ClearDepth(benchmark::State& state) {
 BENCHMARK(W2Fill)->Args({640, 480})->Args({1920, 1080})->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(W3Small)->Unit(benchmark::kMillisecond);
 BENCHMARK(FSBlurBench)->Name("FSBlur")->Args({640, 480})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
-BENCHMARK(FSBlurFastBench)->Name("FSBlurFast")->Args({640, 480})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
-BENCHMARK(ClearDepth)->Name("ClearViewportDepthBuffer")->Args({640, 480})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
+BENCHMARK(FSBlurFastBench)
+    ->Name("FSBlurFast")
+    ->Args({640, 480})
+    ->Args({1920, 1080})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(ClearDepth)
+    ->Name("ClearViewportDepthBuffer")
+    ->Args({640, 480})
+    ->Args({1920, 1080})
+    ->Unit(benchmark::kMicrosecond);

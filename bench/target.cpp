@@ -1,5 +1,8 @@
 #include "target.h"
 
+#include <cmath>
+#include <random>
+
 Target::Target(int width, int height, bool depthBuffer)
     : width_(width), height_(height), pixels_(std::size_t(width) * height, 0) {
   InitEngine3D();
@@ -56,4 +59,26 @@ uint32_t PixelHash(const std::vector<uint16_t>& pixels) {
   uint32_t hash = 2166136261u;
   for (uint16_t p : pixels) hash = (hash ^ p) * 16777619u;
   return hash;
+}
+
+TriangleSet SmallTriangles(const Target& target, int count, uint32_t seed) {
+  constexpr float kPi = 3.14159265f;
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<float> unit(0.0f, 1.0f);
+  TriangleSet set;
+  for (int i = 0; i < count; ++i) {
+    const float cx = 12 + unit(random) * float(target.width() - 24);
+    const float cy = 12 + unit(random) * float(target.height() - 24);
+    const float a = unit(random) * 2 * kPi, b = a + (1 + unit(random)) * kPi / 3;
+    const float r1 = 3 + 3 * unit(random), r2 = 3 + 3 * unit(random);
+    const float area = 0.5f * r1 * r2 * std::sin(b - a);
+    const float scale = std::sqrt((8 + 4 * unit(random)) / area);
+    const int32_t first = int32_t(set.vertices.size());
+    set.vertices.push_back(ScreenVertex(cx, cy));
+    set.vertices.push_back(ScreenVertex(cx + scale * r1 * std::cos(a), cy + scale * r1 * std::sin(a)));
+    set.vertices.push_back(ScreenVertex(cx + scale * r2 * std::cos(b), cy + scale * r2 * std::sin(b)));
+    set.faces.push_back(
+        MakeFace(target.material(), uint16_t(random() & 0x7FFF), first, first + 2, first + 1));
+  }
+  return set;
 }

@@ -36,6 +36,14 @@ class Target {
 MeshPolygon MakeFace(Material* material, uint16_t color, int32_t a, int32_t b, int32_t c);
 MeshVertex ScreenVertex(float x, float y);
 
+// count flat triangles of 8 to 12 pixels inside the target, from a fixed seed
+// (the W3 workload), for DrawTriangle2D.
+struct TriangleSet {
+  std::vector<MeshVertex> vertices;
+  std::vector<MeshPolygon> faces;
+};
+TriangleSet SmallTriangles(const Target& target, int count, uint32_t seed);
+
 // An enabled viewport over a host buffer of width x height pixels, rows
 // width pixels apart.
 Viewport* MakeViewport(uint16_t* pixels, int width, int height, bool depthBuffer);
