@@ -13,10 +13,11 @@ export NODE_PATH=/usr/share/nodejs
 cmake --preset wasm > /dev/null
 cmake --build --preset wasm --target engine3d_static engine3d_host
 mkdir -p build/web
-em++ -std=c++20 -O2 -ffp-contract=off -Wall -Wextra -Werror -Iinclude web/page.cpp \
+em++ -std=c++20 -O2 -ffp-contract=off -Wall -Wextra -Werror -Wno-missing-field-initializers -Iinclude -Itools/common web/page.cpp \
+  tools/common/model_parts.cpp \
   build/wasm/libengine3d_static.a build/wasm/host/libengine3d_host.a -o build/web/engine3d.js \
-  -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sEXPORTED_RUNTIME_METHODS=HEAPU8 \
-  -sEXPORTED_FUNCTIONS=_PageStart,_PageShow,_PageView,_PageDraw,_PageRgba,_PageHash
+  -sENVIRONMENT=web -sALLOW_MEMORY_GROWTH=1 -sEXPORTED_RUNTIME_METHODS=HEAPU8,UTF8ToString \
+  -sEXPORTED_FUNCTIONS=_PageStart,_PageShow,_PageView,_PageDraw,_PageRgba,_PageHash,_PageLoad,_PageError,_malloc,_free
 cp web/index.html build/web/
 echo "wrote build/web/ (index.html, engine3d.js, engine3d.wasm)"
 [ $build_only = 1 ] && exit 0

@@ -5,7 +5,11 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <string>
+#include <vector>
+
 #include "engine3d.h"
+#include "model_parts.h"
 
 namespace {
 
@@ -23,7 +27,13 @@ struct Page {
   int triangles = 0;
   uint32_t texels[kTexture * kTexture];
   MipChain chain;
+  ModelParts model;  // the last model file read, drawn as primitive 5
+  bool hasModel = false;
+  std::string error;
 } page;
+
+constexpr int kModel = 5;
+constexpr int kVertexLimit = 32768;
 
 Mesh* Primitive(int kind) {
   switch (kind) {
@@ -38,6 +48,109 @@ Mesh* Primitive(int kind) {
     default:
       return SphereCreate(kRadius, nullptr, 24, 32, 0xC0C0D0);
   }
+}
+
+// The shading's drawing and material settings on one mesh.
+void Shade(Mesh* mesh, int shading) {
+  Material* mat = GetMeshDefaultMaterial(mesh);
+  SetMeshShadeMode(mesh, shading == 0 ? 3 : 7);
+  if (shading == 2) SetMaterialTextureChain(mat, 0, &page.chain, 1 | 4);
+  if (shading == 3) SetMaterialTextureChain(mat, 2, &page.chain, 1);
+  if (shading == 4) {
+    SetMaterialAlphaMode(mat, 2);
+    SetMaterialAlphaLevel(mat, 140);
+    SetMeshCullMode(mesh, 0x08);  // the far side shows through
+  }
+  SetMeshRenderMode(mesh, shading == 5 ? 0x00300000 : shading == 6 ? 0x00100000 : 0x00F00000);
+}
+
+// One engine mesh of a part's triangles (source corners), its vertices
+// centred, scaled and turned into the engine's left-handed space.
+Mesh* ModelMesh(const ModelPart& part, const ModelMaterial& material, const std::vector<unsigned>& triangles,
+                const Vec3& centre, float scale, std::vector<int32_t>* local, int shading) {
+  std::vector<unsigned> used;
+  for (unsigned v : triangles)
+    if ((*local)[v] < 0) (*local)[v] = int32_t(used.size()), used.push_back(v);
+  auto channel = [](float c) { return uint32_t(c <= 0 ? 0 : c >= 1 ? 255 : c * 255.0f + 0.5f); };
+  const Color3& d = material.diffuse;
+  Mesh* mesh = CreateMesh(int32_t(used.size()), int32_t(triangles.size() / 3),
+                          channel(d.r) << 16 | channel(d.g) << 8 | channel(d.b));
+  if (mesh != nullptr) {
+    for (size_t i = 0; i < used.size(); i++) {
+      const Vec3& p = part.vertices[used[i]];
+      SetMeshVertex(mesh, int32_t(i), (p.x - centre.x) * scale, (p.y - centre.y) * scale,
+                    (centre.z - p.z) * scale);
+    }
+    // The z flip turns the winding over; the corners turn it back.
+    for (size_t t = 0; t < triangles.size() / 3; t++)
+      SetMeshTriPolygon(mesh, int32_t(t), (*local)[triangles[3 * t + 2]], (*local)[triangles[3 * t + 1]],
+                        (*local)[triangles[3 * t]], 0, 0);
+  }
+  for (unsigned v : used) (*local)[v] = -1;
+  Mesh* valid = mesh != nullptr ? ValidateMesh(mesh) : nullptr;
+  if (valid == nullptr) {
+    if (mesh != nullptr) DeleteMesh(mesh);
+    return nullptr;
+  }
+  SetMeshCullMode(valid, 0x08);  // both sides: files seldom say which side is out
+  Material* mat = GetMeshDefaultMaterial(valid);
+  SetMaterialColor(mat, 0, 38.0f * d.r, 38.0f * d.g, 38.0f * d.b);
+  SetMaterialColor(mat, 1, 255.0f * d.r, 255.0f * d.g, 255.0f * d.b);
+  Shade(valid, shading);
+  return valid;
+}
+
+// The model as engine meshes of at most kVertexLimit vertices, polygons
+// fanned to triangles, joined under the first one so that one assignment
+// takes them all into the scene. Null when the engine refuses memory.
+Mesh* ModelTree(int shading, int* triangles) {
+  Vec3 low(1e30f, 1e30f, 1e30f), high(-1e30f, -1e30f, -1e30f);
+  for (const ModelPart& part : page.model.parts)
+    for (const Vec3& p : part.vertices) {
+      low = Vec3(fminf(low.x, p.x), fminf(low.y, p.y), fminf(low.z, p.z));
+      high = Vec3(fmaxf(high.x, p.x), fmaxf(high.y, p.y), fmaxf(high.z, p.z));
+    }
+  const Vec3 centre((low.x + high.x) / 2, (low.y + high.y) / 2, (low.z + high.z) / 2);
+  const Vec3 span(high.x - low.x, high.y - low.y, high.z - low.z);
+  const float radius = span.Length() / 2, scale = radius > 0 && isfinite(radius) ? kRadius / radius : 1.0f;
+  ModelMaterial white;  // formats without materials draw in white
+  white.diffuse = Color3(1, 1, 1);
+  Mesh* root = nullptr;
+  *triangles = 0;
+  for (size_t m = 0; m < page.model.parts.size(); m++) {
+    const ModelPart& part = page.model.parts[m];
+    const ModelMaterial& material = m < page.model.materials.size() ? page.model.materials[m] : white;
+    std::vector<int32_t> local(part.vertices.size(), -1);
+    std::vector<unsigned> chunk, fresh;
+    size_t at = 0;
+    auto flush = [&]() {
+      if (chunk.empty()) return true;
+      Mesh* mesh = ModelMesh(part, material, chunk, centre, scale, &local, shading);
+      if (mesh == nullptr) return false;
+      *triangles += int(chunk.size() / 3);
+      if (root == nullptr)
+        root = mesh;
+      else
+        AttachChildToNode(root, mesh);
+      chunk.clear(), fresh.clear();
+      return true;
+    };
+    for (unsigned size : part.sizes) {
+      const unsigned* c = &part.corners[at];
+      at += size;
+      for (unsigned i = 2; i < size; i++) {
+        if (c[0] == c[i - 1] || c[i - 1] == c[i] || c[0] == c[i]) continue;
+        if (fresh.size() + 3 > size_t(kVertexLimit) && !flush()) return root;
+        for (unsigned v : {c[0], c[i - 1], c[i]}) {
+          if (local[v] == -2) continue;
+          local[v] = -2, fresh.push_back(v);  // counted for this chunk
+        }
+        chunk.insert(chunk.end(), {c[0], c[i - 1], c[i]});
+      }
+    }
+    if (!flush()) return root;
+  }
+  return root;
 }
 
 // Checks over a gradient, for the textured and reflecting surfaces.
@@ -116,28 +229,56 @@ extern "C" int PageShow(int primitive, int shading) {
     DeleteMesh(page.mesh);
     page.mesh = nullptr;
   }
-  Mesh* mesh = Primitive(primitive);
-  if (mesh == nullptr) return 0;
-  ActivateMesh(mesh);
-  Material* mat = GetMeshDefaultMaterial(mesh);
-  SetMaterialColor(mat, 0, 24, 24, 28);
-  SetMeshShadeMode(mesh, shading == 0 ? 3 : 7);
-  if (shading == 2) SetMaterialTextureChain(mat, 0, &page.chain, 1 | 4);
-  if (shading == 3) SetMaterialTextureChain(mat, 2, &page.chain, 1);
-  if (shading == 4) {
-    SetMaterialAlphaMode(mat, 2);
-    SetMaterialAlphaLevel(mat, 140);
-    SetMeshCullMode(mesh, 0x08);  // the far side shows through
+  int triangles = 0;
+  Mesh* mesh = nullptr;
+  if (primitive == kModel) {
+    if (!page.hasModel) return 0;
+    mesh = ModelTree(shading, &triangles);
+  } else {
+    mesh = Primitive(primitive);
+    if (mesh != nullptr) {
+      ActivateMesh(mesh);
+      SetMaterialColor(GetMeshDefaultMaterial(mesh), 0, 24, 24, 28);
+      Shade(mesh, shading);
+      triangles = Slots(mesh);
+    }
   }
-  SetMeshRenderMode(mesh, shading == 5 ? 0x00300000 : shading == 6 ? 0x00100000 : 0x00F00000);
+  if (mesh == nullptr) return 0;
   if (AssignMeshToScene(page.scene, mesh, 1) == nullptr) {
     DeleteMesh(mesh);
     return 0;
   }
   page.mesh = mesh;
-  page.triangles = Slots(mesh);
+  page.triangles = triangles;
   return 1;
 }
+
+extern "C" int PageLoad(const char* bytes, int length, int format, int shading) {
+  static const char* const kFormats[] = {"obj", "ply", "stl"};
+  ModelParts model;
+  if (format < 0 || format > 2 || length < 0) {
+    page.error = "not a model file this page reads (OBJ, PLY or STL)";
+    return 0;
+  }
+  if (!ReadModelParts(std::string_view(bytes, size_t(length)), kFormats[format], "", &model, &page.error))
+    return 0;
+  long long polygons = 0;
+  for (const ModelPart& part : model.parts) polygons += (long long)part.sizes.size();
+  if (polygons == 0) {
+    page.error = "no polygons to draw";
+    return 0;
+  }
+  page.model = std::move(model);
+  page.hasModel = true;
+  if (!PageShow(kModel, shading)) {
+    page.error = "the engine has no memory for this model";
+    return 0;
+  }
+  page.error.clear();
+  return 1;
+}
+
+extern "C" const char* PageError(void) { return page.error.c_str(); }
 
 extern "C" void PageView(float yaw, float pitch, float zoom) {
   if (page.camera == nullptr) return;

@@ -15,10 +15,16 @@ extern "C" {
 int PageStart(int width, int height);
 /* Frees everything PageStart made. */
 void PageStop(void);
-/* Shows primitive 0-4 (sphere, torus, cube, cylinder, rounded cube) in
+/* Shows primitive 0-4 (sphere, torus, cube, cylinder, rounded cube; 5 the
+   model file read last) in
    shading 0-6 (flat, Gouraud, textured, environment, translucent, wire,
    dots); 1 when the mesh was made. */
 int PageShow(int primitive, int shading);
+/* Reads a model file's bytes (format 0 OBJ, 1 PLY, 2 STL) with the tools' own
+   readers and shows it as primitive 5 in the shading; 1 when shown, else 0
+   and PageError says why (the picture keeps what it showed). */
+int PageLoad(const char* bytes, int length, int format, int shading);
+const char* PageError(void);
 /* Camera angles in degrees and distance as a multiple of the framing one. */
 void PageView(float yaw, float pitch, float zoom);
 /* Draws a frame; returns the triangles of the mesh. */

@@ -1,9 +1,10 @@
 #!/bin/sh
-# browser_test.sh SOURCE_DIR OUT_DIR HASH: builds the web page, serves it on a
-# free loopback port and opens it in headless Chromium, which must draw the
-# fixed frame whose 5:5:5 buffer hashes to HASH (the native build's hash of
-# the same frame, pinned by WebPage.FixedFrame). Writes OUT_DIR/page.png.
-# The server and the browser are stopped whatever happens.
+# browser_test.sh SOURCE_DIR OUT_DIR HASH: builds the web page, serves a copy
+# of it on a free loopback port and opens it in headless Chromium, which must
+# draw the fixed frame whose 5:5:5 buffer hashes to HASH (the native builds'
+# hash of the same frame, pinned by WebPage.FixedFrameAndEveryMode); given a
+# damaged model file, the page must say so and still draw that frame. Writes
+# OUT_DIR/page.png. The server and the browser are stopped whatever happens.
 set -eu
 src=$1 out=$2 want=$3
 mkdir -p "$out"
@@ -15,7 +16,10 @@ cleanup() {
   rm -rf "$profile"
 }
 trap cleanup EXIT INT TERM
-python3 -u -m http.server 0 --bind 127.0.0.1 --directory "$src/build/web" > "$out/server.log" 2>&1 &
+rm -rf "$out/site"
+cp -r "$src/build/web" "$out/site"
+printf 'v 0 0 0\nv 1 0 0\nf 1 2 3\n' > "$out/site/damaged.obj"
+python3 -u -m http.server 0 --bind 127.0.0.1 --directory "$out/site" > "$out/server.log" 2>&1 &
 server=$!
 port=""
 for i in $(seq 1 50); do
@@ -30,9 +34,14 @@ browse() {
     --disable-background-networking --disable-component-update --disable-sync \
     --user-data-dir="$profile" --virtual-time-budget=15000 "$@" 2> "$out/chromium.log"
 }
-got=$(browse --dump-dom "http://127.0.0.1:$port/index.html?test" |
-  sed -n 's/.*<pre id="hash">\([0-9]*\)<\/pre>.*/\1/p')
+hash() { sed -n 's/.*<pre id="hash">\([0-9]*\)<\/pre>.*/\1/p' "$1"; }
+browse --dump-dom "http://127.0.0.1:$port/index.html?test" > "$out/fixed.html"
+got=$(hash "$out/fixed.html")
 [ "$got" = "$want" ] || { echo "page drew hash '$got', native $want"; exit 1; }
+browse --dump-dom "http://127.0.0.1:$port/index.html?test&model=damaged.obj" > "$out/damaged.html"
+grep -q '<p id="message">damaged.obj: line 3: a face corner names no vertex of the file</p>' "$out/damaged.html" ||
+  { grep 'id="message"' "$out/damaged.html"; echo "no message for the damaged file"; exit 1; }
+[ "$(hash "$out/damaged.html")" = "$want" ] || { echo "the page did not go on drawing"; exit 1; }
 browse --window-size=720,640 --screenshot="$out/page.png" "http://127.0.0.1:$port/index.html" > /dev/null
 [ -s "$out/page.png" ] || { echo "no screenshot"; exit 1; }
-echo "the page drew $got, as the native build does; screenshot $out/page.png"
+echo "the page drew $got, as the native builds do, and refused the damaged file; screenshot $out/page.png"

@@ -10,24 +10,9 @@
 #include <string>
 #include <string_view>
 
+#include "model_parts.h"
+
 struct aiScene;
-
-// The polygons a model file declares (OBJ face lines, PLY faces, OFF faces,
-// STL facets), or -1 where the format or the file does not say. A PLY with
-// triangle strips declares the triangles of its strips, which needs the
-// whole file read: *strips is set and the count is -1. *vertices is the
-// vertex count an OFF header declares, else -1.
-long long DeclaredPolygons(const char* path, bool* strips, long long* vertices);
-
-// The message of a PLY file whose header has no end_header line of its own.
-inline constexpr const char* kPlyHeaderUnended = "a PLY header without end_header";
-
-// Told now and then how far a reading has come: bytes of the file read so
-// far, its size, and triangles so far.
-struct ReadProgress {
-  void (*call)(void* user, long long bytesRead, long long bytesTotal, long long triangles);
-  void* user;
-};
 
 // Our scenes keep the corners of all faces of a mesh in one block, which
 // aiScene's own destructor cannot free: they are freed through this.
