@@ -7,6 +7,7 @@
 #include <strings.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -676,31 +677,96 @@ struct StlBuilder {
     facets.insert(facets.end(), {normal, v[0], v[1], v[2]});
   }
 
+  // The bits of corner c (facet c / 3, corner c % 3) and of its facet's
+  // normal: six words that say all that sets a vertex apart.
+  void CornerBits(size_t c, uint32_t* w) const {
+    memcpy(w, &facets[c / 3 * 4 + 1 + c % 3], 12);
+    memcpy(w + 3, &facets[c / 3 * 4], 12);
+  }
+
+  // Facets that all have normals: a corner is its position and its facet's
+  // normal, bit for bit. Instead of a hash table of every corner (a cache
+  // miss each, and a gigabyte for millions of facets), corners are radix
+  // sorted by a 64-bit digest of those bits; each run of equal bits is one
+  // vertex, numbered in the order its corners first appear, as a table
+  // would number them.
+  void JoinSorted(Part* part) {
+    struct Item {
+      uint64_t digest;
+      uint32_t corner;
+    };
+    const size_t n = facets.size() / 4 * 3;
+    std::vector<Item> items(n), scratch(n);
+    for (size_t c = 0; c < n; c++) {
+      uint32_t w[6];
+      CornerBits(c, w);
+      uint64_t h = 0x9E3779B97F4A7C15ull;
+      for (uint32_t word : w) h = (h ^ word) * 0xFF51AFD7ED558CCDull, h ^= h >> 32;
+      items[c] = {h, uint32_t(c)};
+    }
+    // Six stable passes of eleven bits (buckets few enough for the cache):
+    // equal digests keep corner order.
+    constexpr int kBits = 11;
+    constexpr uint64_t kMask = (1u << kBits) - 1;
+    std::vector<size_t> count((1u << kBits) + 1);
+    for (int shift = 0; shift < 64; shift += kBits) {
+      std::fill(count.begin(), count.end(), 0);
+      for (const Item& it : items) count[(it.digest >> shift & kMask) + 1]++;
+      for (size_t d = 1; d < count.size(); d++) count[d] += count[d - 1];
+      for (const Item& it : items) scratch[count[it.digest >> shift & kMask]++] = it;
+      items.swap(scratch);
+    }
+    // The first corner of each key; a run of one digest may hold more keys.
+    std::vector<uint32_t> first(n);
+    for (size_t i = 0; i < n;) {
+      size_t end = i + 1;
+      while (end < n && items[end].digest == items[i].digest) end++;
+      for (size_t j = i; j < end; j++) {
+        uint32_t a[6], b[6];
+        CornerBits(items[j].corner, a);
+        first[items[j].corner] = items[j].corner;
+        for (size_t k = i; k < j; k++) {
+          CornerBits(items[k].corner, b);
+          if (memcmp(a, b, sizeof a) == 0) {
+            first[items[j].corner] = first[items[k].corner];
+            break;
+          }
+        }
+      }
+      i = end;
+    }
+    std::vector<Item>().swap(items), std::vector<Item>().swap(scratch);
+    part->corners.resize(n);
+    for (size_t c = 0; c < n; c++) {
+      if (first[c] == c) {
+        part->corners[c] = unsigned(part->vertices.size());
+        part->vertices.push_back(facets[c / 3 * 4 + 1 + c % 3]);
+      } else {
+        part->corners[c] = part->corners[first[c]];
+      }
+    }
+  }
+
   void Scene(ModelParts* out) {
     std::vector<Part> parts(1);
+    parts[0].sizes.assign(facets.size() / 4, 3);
+    if (allNormals) {
+      JoinSorted(&parts[0]);
+      out->parts = std::move(parts);
+      return;
+    }
     Joiner joiner;
     KeyIndex positions;
     std::vector<Vec3> corners;
     parts[0].corners.reserve(facets.size() / 4 * 3);
-    parts[0].sizes.assign(facets.size() / 4, 3);
     for (size_t f = 0; f < facets.size(); f += 4) {
       corners.assign(facets.begin() + long(f + 1), facets.begin() + long(f + 4));
-      const Vec3& normal = facets[f];
-      const Vec3 face = allNormals ? normal : FaceNormal(corners);
+      const Vec3 face = FaceNormal(corners);
       const float length = face.Length();
       for (int k = 0; k < 3; k++) {
         const Vec3& at = corners[size_t(k)];
-        const Key place = Bits(at);
-        if (allNormals) {
-          // A corner is its position and its facet's normal, bit for bit:
-          // one look-up of both.
-          const Key turn = Bits(normal);
-          const Key both{place.p | place.t << 32, place.n | turn.p << 32, turn.t | turn.n << 32};
-          parts[0].corners.push_back(joiner.Exact(parts[0], both, at, Vec3()));
-        } else {
-          const long long p = positions.Find(place, unsigned(positions.size()));
-          parts[0].corners.push_back(joiner.Corner(parts[0], Key{p, -1, -1}, at, Vec3(), face, length));
-        }
+        const long long p = positions.Find(Bits(at), unsigned(positions.size()));
+        parts[0].corners.push_back(joiner.Corner(parts[0], Key{p, -1, -1}, at, Vec3(), face, length));
       }
     }
     out->parts = std::move(parts);
